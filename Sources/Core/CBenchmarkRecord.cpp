@@ -1,0 +1,2 @@
+// SPDX-License-Identifier: LicenseRef-Halyard
+#include "Core/CBenchmarkRecord.h"

@@ -1,0 +1,2 @@
+// SPDX-License-Identifier: LicenseRef-Halyard
+#pragma once

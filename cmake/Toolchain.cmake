@@ -1,0 +1,28 @@
+# How every target of ours is compiled. Applied through the interface target `brt_flags`.
+
+find_program(CCACHE ccache)
+if(CCACHE)
+    # The base folder lets several checkouts share one cache.
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${CCACHE})
+endif()
+
+find_package(Threads REQUIRED)
+
+add_library(brt_flags INTERFACE)
+target_compile_options(brt_flags INTERFACE
+    -Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror
+    -fvisibility=hidden -fvisibility-inlines-hidden
+    # Source positions in errors and messages are relative to the project, in every checkout alike.
+    -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=
+    # Sums round the same way wherever the compiler happens to inline them; fused steps are written out where wanted.
+    -ffp-contract=off)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # A unique symbol would pin the module in memory for ever: hosts load and unload it many times.
+    target_compile_options(brt_flags INTERFACE -fno-gnu-unique)
+endif()
+target_link_libraries(brt_flags INTERFACE Threads::Threads)
+
+if(HALYARD_SANITIZER)
+    add_compile_options(-fsanitize=${HALYARD_SANITIZER} -fno-sanitize-recover=all)
+    add_link_options(-fsanitize=${HALYARD_SANITIZER})
+endif()
