@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Targets.h"
 
-int main(int argc, char** argv) {
-    return bench::runWithTargets(argc, argv);
-}
+int main(int argc, char** argv) { return bench::runWithTargets(argc, argv); }

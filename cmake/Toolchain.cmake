@@ -19,6 +19,9 @@ target_compile_options(brt_flags INTERFACE
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # A unique symbol would pin the module in memory for ever: hosts load and unload it many times.
     target_compile_options(brt_flags INTERFACE -fno-gnu-unique)
+else()
+    # Locks are named in the declarations of what they guard.
+    target_compile_options(brt_flags INTERFACE -Wthread-safety)
 endif()
 target_link_libraries(brt_flags INTERFACE Threads::Threads)
 
