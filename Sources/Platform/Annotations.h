@@ -26,6 +26,19 @@
 #define BRT_REALTIME
 #endif
 
+// The function reads what another thread may write at the same time, on purpose; a comment beside it says why that is
+// harmless. Where the race detector runs it is not inlined, or it would be looked at as a part of its caller.
+#if defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define BRT_HARMLESS_RACE __attribute__((no_sanitize("thread"), noinline))
+#endif
+#elif defined(__SANITIZE_THREAD__)
+#define BRT_HARMLESS_RACE __attribute__((no_sanitize("thread"), noinline))
+#endif
+#if !defined(BRT_HARMLESS_RACE)
+#define BRT_HARMLESS_RACE
+#endif
+
 // For mistakes of the programmer only, never for what a file, a host or a user brings in.
 #if defined(NDEBUG)
 #define BRT_ASSERT(condition) static_cast<void>(0)
