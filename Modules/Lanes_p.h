@@ -96,6 +96,9 @@ BRT_LANE_OP Lanes absOf(Lanes a) { return _mm512_abs_pd(a); }
 //   withLane0   `a`, but `x` in lane 0
 //   even, odd   of the 2 * kLanes values a, b in a row those at even, at odd places
 //   zipLow/High the inverse of even and odd: the first, the second half of a0 b0 a1 b1 ...
+//   pairEven    a0 b0 a2 b2 ..., pairOdd a1 b1 a3 b3 ...: within each pair of lanes, so cheaper than even and zip. Each
+//               is the other way back: real and imaginary parts come out of memory in an order that goes in again.
+//   reversePairs  the pairs of lanes from last to first
 //   transpose   rows[i] lane j takes rows[j] lane i, for a square of kLanes vectors
 #if BRT_LANES == 1
 BRT_LANE_OP Lanes reverse(Lanes a) { return a; }
@@ -105,6 +108,9 @@ BRT_LANE_OP Lanes even(Lanes a, Lanes) { return a; }
 BRT_LANE_OP Lanes odd(Lanes, Lanes b) { return b; }
 BRT_LANE_OP Lanes zipLow(Lanes a, Lanes) { return a; }
 BRT_LANE_OP Lanes zipHigh(Lanes, Lanes b) { return b; }
+BRT_LANE_OP Lanes pairEven(Lanes a, Lanes) { return a; }
+BRT_LANE_OP Lanes pairOdd(Lanes, Lanes b) { return b; }
+BRT_LANE_OP Lanes reversePairs(Lanes a) { return a; }
 BRT_LANE_OP void transpose(Lanes*) {}
 #elif BRT_LANES == 2
 BRT_LANE_OP Lanes reverse(Lanes a) { return __builtin_shufflevector(a, a, 1, 0); }
@@ -114,6 +120,9 @@ BRT_LANE_OP Lanes even(Lanes a, Lanes b) { return __builtin_shufflevector(a, b, 
 BRT_LANE_OP Lanes odd(Lanes a, Lanes b) { return __builtin_shufflevector(a, b, 1, 3); }
 BRT_LANE_OP Lanes zipLow(Lanes a, Lanes b) { return __builtin_shufflevector(a, b, 0, 2); }
 BRT_LANE_OP Lanes zipHigh(Lanes a, Lanes b) { return __builtin_shufflevector(a, b, 1, 3); }
+BRT_LANE_OP Lanes pairEven(Lanes a, Lanes b) { return __builtin_shufflevector(a, b, 0, 2); }
+BRT_LANE_OP Lanes pairOdd(Lanes a, Lanes b) { return __builtin_shufflevector(a, b, 1, 3); }
+BRT_LANE_OP Lanes reversePairs(Lanes a) { return a; }
 BRT_LANE_OP void transpose(Lanes* rows) {
     const Lanes a = rows[0], b = rows[1];
     rows[0] = even(a, b);
@@ -132,6 +141,9 @@ BRT_LANE_OP Lanes zipLow(Lanes a, Lanes b) {
 BRT_LANE_OP Lanes zipHigh(Lanes a, Lanes b) {
     return _mm256_permute2f128_pd(_mm256_unpacklo_pd(a, b), _mm256_unpackhi_pd(a, b), 0x31);
 }
+BRT_LANE_OP Lanes pairEven(Lanes a, Lanes b) { return _mm256_unpacklo_pd(a, b); }
+BRT_LANE_OP Lanes pairOdd(Lanes a, Lanes b) { return _mm256_unpackhi_pd(a, b); }
+BRT_LANE_OP Lanes reversePairs(Lanes a) { return _mm256_permute4x64_pd(a, 0x4E); }
 BRT_LANE_OP void transpose(Lanes* rows) {
     const Lanes a = _mm256_unpacklo_pd(rows[0], rows[1]), b = _mm256_unpackhi_pd(rows[0], rows[1]);
     const Lanes c = _mm256_unpacklo_pd(rows[2], rows[3]), d = _mm256_unpackhi_pd(rows[2], rows[3]);
@@ -148,12 +160,15 @@ BRT_LANE_OP Lanes even(Lanes a, Lanes b) { return __builtin_shufflevector(a, b, 
 BRT_LANE_OP Lanes odd(Lanes a, Lanes b) { return __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15); }
 BRT_LANE_OP Lanes zipLow(Lanes a, Lanes b) { return __builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11); }
 BRT_LANE_OP Lanes zipHigh(Lanes a, Lanes b) { return __builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15); }
+BRT_LANE_OP Lanes pairEven(Lanes a, Lanes b) { return __builtin_shufflevector(a, b, 0, 8, 2, 10, 4, 12, 6, 14); }
+BRT_LANE_OP Lanes pairOdd(Lanes a, Lanes b) { return __builtin_shufflevector(a, b, 1, 9, 3, 11, 5, 13, 7, 15); }
+BRT_LANE_OP Lanes reversePairs(Lanes a) { return __builtin_shufflevector(a, a, 6, 7, 4, 5, 2, 3, 0, 1); }
 BRT_LANE_OP void transpose(Lanes* rows) {
     // Blocks of 1, then of 2, then of 4 change places across the diagonal.
     Lanes pairs[8], fours[8];
     BRT_UNROLL for (int i = 0; i < 8; i += 2) {
-        pairs[i] = __builtin_shufflevector(rows[i], rows[i + 1], 0, 8, 2, 10, 4, 12, 6, 14);
-        pairs[i + 1] = __builtin_shufflevector(rows[i], rows[i + 1], 1, 9, 3, 11, 5, 13, 7, 15);
+        pairs[i] = pairEven(rows[i], rows[i + 1]);
+        pairs[i + 1] = pairOdd(rows[i], rows[i + 1]);
     }
     BRT_UNROLL for (int i = 0; i < 8; i += 4) {
         BRT_UNROLL for (int j = i; j < i + 2; ++j) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Modules/ProcessorBuild.h"
 
+#include "Platform/Processor.h"
+
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
@@ -16,15 +18,15 @@ constexpr const char* kEnvironmentVariable = "HALYARD_BUILD";
 constinit std::atomic<int> s_choice{0};
 
 #if defined(BRT_X86_BUILDS)
+// The compiler may use all of a generation in its build. Processors with these features have the rest of it too.
 bool hasAvx2Generation() {
-    return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") && __builtin_cpu_supports("bmi") &&
-           __builtin_cpu_supports("bmi2") && __builtin_cpu_supports("popcnt");
+    const ProcessorFeatures& has = processorFeatures();
+    return has.avx2 && has.fma && has.bmi1 && has.bmi2;
 }
 
 bool hasAvx512Generation() {
-    return hasAvx2Generation() && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
-           __builtin_cpu_supports("avx512cd") && __builtin_cpu_supports("avx512dq") &&
-           __builtin_cpu_supports("avx512vl");
+    const ProcessorFeatures& has = processorFeatures();
+    return hasAvx2Generation() && has.avx512f && has.avx512bw && has.avx512cd && has.avx512dq && has.avx512vl;
 }
 #endif
 

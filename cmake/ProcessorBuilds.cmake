@@ -1,6 +1,7 @@
 # brt_processor_builds(TARGET file...)
 # Compiles each file once per processor build and adds the objects to TARGET. In every copy BRT_BUILD is the name of the
-# build, which is also the namespace that the code goes into, and BRT_LANES the doubles in a vector.
+# build, which is also the namespace that the code goes into, and BRT_LANES the doubles in a vector. The other files of
+# TARGET see BRT_X86_BUILDS where there are builds for x86-64 processors.
 # These files are optimised in every configuration: a chain at 128 times the rate is of no use in a debugger otherwise,
 # and the tests of one build against another would take minutes.
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
@@ -19,6 +20,9 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
 endif()
 
 function(brt_processor_builds target)
+    if("baseline" IN_LIST BRT_PROCESSOR_BUILDS)
+        target_compile_definitions(${target} PRIVATE BRT_X86_BUILDS)
+    endif()
     foreach(build IN LISTS BRT_PROCESSOR_BUILDS)
         set(objects ${target}_${build})
         if(NOT TARGET ${objects})

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: LicenseRef-Halyard
+// The last stage of the cascade: from twice the host's rate to the host's, with an edge at 0.485 of it. 2048 samples
+// are convolved with 801 taps at a time, 1248 of them new, and only the bins below the host's half rate are transformed
+// back. See CFFTStage.h.
+// Owner: the cascade, by value. Threads: one at a time.
+#pragma once
+
+#include "Modules/CFFTStage.h"
+
+namespace brt {
+
+class CFFTDownsampler : public CFFTStage {
+public:
+    // [init] Takes its transforms from the process's pool and starts as after reset().
+    explicit CFFTDownsampler(ProcessorBuild build = processorBuild());
+
+    // [audio] Forgets all input.
+    void reset() BRT_REALTIME;
+
+    // [audio] Takes `count` samples from `in`, an even number, and writes count / 2 to `out`, which is apart from `in`.
+    // An odd count is rounded up where the count's last sample lies at an even place of the block, else down.
+    void process(const double* in, int count, double* out) BRT_REALTIME;
+
+private:
+    void completeBlock() BRT_REALTIME;
+    double* read(int position, int count, double* out) const BRT_REALTIME;
+    double* readEven(int position, int count, double* out) const BRT_REALTIME;
+};
+
+}  // namespace brt
