@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: LicenseRef-Halyard
+// A shared library of the floors' code that does, when asked, what a plug-in does between its load and its unload.
+#include <atomic>
+#include <cstring>
+#include <memory>
+
+#include "Platform/CAutoResetEvent.h"
+#include "Platform/CLockFreeList.h"
+#include "Platform/CTimerQueue.h"
+#include "Platform/PathText.h"
+#include "Platform/Processor.h"
+#include "Platform/SystemFolders.h"
+
+namespace {
+
+constinit brt::CLockFreeList g_list;
+constinit std::atomic<int> g_calls{0};
+
+void signalEvent(void* event) {
+    ++g_calls;
+    static_cast<brt::CAutoResetEvent*>(event)->signal();
+}
+
+}  // namespace
+
+// Returns how many calls came since the load, which is 3 in a module that is fresh, or a negative number for a failure.
+// Writes the module's path as the system has it.
+extern "C" __attribute__((visibility("default"))) int exerciseModule(char* path, std::size_t room) {
+    const std::string modulePath = brt::pathToSystem(brt::modulePath());
+    if (modulePath.size() >= room) return -1;
+    std::strcpy(path, modulePath.c_str());
+
+    brt::CAutoResetEvent called;
+    brt::CNativeThread thread;
+    if (thread.start(&signalEvent, &called) != 0) return -2;
+    called.wait();
+    thread.join();
+
+    brt::CTimerQueue timers;
+    if (timers.start() != 0) return -3;
+    for (int i = 0; i < 2; ++i) {
+        timers.add(&signalEvent, &called, 0, 0);
+        called.wait();
+    }
+    alignas(16) static constinit char block[64] = {};
+    g_list.push(block);
+    if (g_list.pop() != block || g_list.pop() != nullptr) return -4;
+    // The library's own templates bring static data along, which pins a module that is compiled carelessly.
+    const auto shared = std::make_shared<int>(brt::processorCount());
+    return *shared > 0 ? g_calls.load() : -5;
+}
