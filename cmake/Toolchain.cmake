@@ -8,12 +8,16 @@ endif()
 
 find_package(Threads REQUIRED)
 
+# ccache makes the paths that it hands to the compiler relative to the build folder.
+file(RELATIVE_PATH source_from_build ${CMAKE_BINARY_DIR} ${CMAKE_SOURCE_DIR})
+
 add_library(brt_flags INTERFACE)
 target_compile_options(brt_flags INTERFACE
     -Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror
     -fvisibility=hidden -fvisibility-inlines-hidden
     # Source positions in errors and messages are relative to the project, in every checkout alike.
     -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=
+    -ffile-prefix-map=${source_from_build}=
     # Sums round the same way wherever the compiler happens to inline them; fused steps are written out where wanted.
     -ffp-contract=off)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")

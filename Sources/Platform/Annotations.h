@@ -17,6 +17,7 @@
 #define BRT_TRY_ACQUIRE(...) BRT_THREAD_ATTRIBUTE(try_acquire_capability(__VA_ARGS__))
 #define BRT_RELEASE(...) BRT_THREAD_ATTRIBUTE(release_capability(__VA_ARGS__))
 #define BRT_ACQUIRED_AFTER(...) BRT_THREAD_ATTRIBUTE(acquired_after(__VA_ARGS__))
+#define BRT_RETURN_CAPABILITY(lock) BRT_THREAD_ATTRIBUTE(lock_returned(lock))
 #define BRT_NO_THREAD_SAFETY_ANALYSIS BRT_THREAD_ATTRIBUTE(no_thread_safety_analysis)
 
 // The operation neither allocates nor blocks: it may run on the audio thread.

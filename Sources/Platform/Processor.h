@@ -3,6 +3,10 @@
 // Threads: any.
 #pragma once
 
+#include <cstdint>
+
+#include "Platform/Annotations.h"
+
 namespace brt {
 
 // What the processor has and the operating system saves: code built for a feature may run if it is true here.
@@ -31,5 +35,8 @@ const ProcessorFeatures& processorFeatures() noexcept;
 
 // [any] Processors that the calling thread may run on (its affinity mask), at least 1. Asks the system at each call.
 int processorCount() noexcept;
+
+// [any] The processor's own counter, for measuring short stretches of code; runs at a rate that isn't told.
+std::uint64_t processorTicks() noexcept BRT_REALTIME;
 
 }  // namespace brt

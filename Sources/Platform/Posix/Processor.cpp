@@ -8,6 +8,9 @@
 
 #if defined(__x86_64__)
 #include <cpuid.h>
+#include <x86intrin.h>
+#else
+#include "Platform/Clock.h"
 #endif
 
 namespace brt {
@@ -90,6 +93,14 @@ int processorCount() noexcept {
         if (error != EINVAL) break;
     }
     return 1;
+}
+
+std::uint64_t processorTicks() noexcept {
+#if defined(__x86_64__)
+    return __rdtsc();
+#else
+    return static_cast<std::uint64_t>(clockCounter());
+#endif
 }
 
 }  // namespace brt
