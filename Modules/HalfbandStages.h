@@ -86,4 +86,8 @@ constexpr CascadeStages makeCascadeStages(int fftUpLatency) {
     return stages;
 }
 
+// The stages of the product's chain, behind the delay that CFFTUpsampler tells.
+inline constexpr int kFftUpLatency = 1648;
+inline constexpr CascadeStages kCascadeStages = makeCascadeStages(kFftUpLatency);
+
 }  // namespace brt

@@ -15,9 +15,7 @@
 namespace brt {
 namespace {
 
-constexpr int kFftUpLatency = 1648;
 constexpr double kRounding = 2e-15;  // of a few sums of values up to 4
-constexpr CascadeStages kStages = makeCascadeStages(kFftUpLatency);
 
 std::vector<double> noise(int count, unsigned seed) {
     std::mt19937 random(seed);
@@ -84,21 +82,21 @@ TEST(HalfbandStages, windowsAndDelaysOfAllStages) {
                       {4, 3, 7, 4, 1017},    {3, 2, 5, 3, 1019},  {3, 2, 5, 3, 1019}};
     const Row down[] = {{3, 5, 11, 6, 1013},  {3, 5, 11, 6, 1013},   {4, 7, 14, 7, 1010},
                         {5, 9, 19, 10, 1005}, {6, 11, 23, 12, 1001}, {14, 27, 55, 28, 969}};
-    const CRingCascade rings(kStages);
+    const CRingCascade rings(kCascadeStages);
     for (int i = 0; i < kHalfbandStages; ++i) {
         SCOPED_TRACE(i);
-        EXPECT_EQ(kStages.up[i].filter.tapCount, up[i].taps);
+        EXPECT_EQ(kCascadeStages.up[i].filter.tapCount, up[i].taps);
         EXPECT_EQ(rings.up(i).base(), up[i].base);
         EXPECT_EQ(rings.up(i).mirrorLen(), up[i].mirrorLen);
         EXPECT_EQ(rings.up(i).delay(), up[i].delay);
         EXPECT_EQ(rings.up(i).readPos(), up[i].firstReadPos);
-        EXPECT_EQ(kStages.down[i].filter.tapCount, down[i].taps);
+        EXPECT_EQ(kCascadeStages.down[i].filter.tapCount, down[i].taps);
         EXPECT_EQ(rings.down(i).base(), down[i].base);
         EXPECT_EQ(rings.down(i).mirrorLen(), down[i].mirrorLen);
         EXPECT_EQ(rings.down(i).delay(), down[i].delay);
         EXPECT_EQ(rings.down(i).readPos(), down[i].firstReadPos);
     }
-    EXPECT_EQ(kStages.delayAt2x, 1686);
+    EXPECT_EQ(kCascadeStages.delayAt2x, 1686);
 }
 
 // Whatever the delay in front, every halving finds an even sum, and no stage pads by more than one sample.
@@ -127,7 +125,7 @@ TEST(HalfbandStages, aSideSumsToOneHalf) {
 // Long enough to go round the rings several times, in counts that end anywhere.
 TEST(CHalfbandUpsampler, isAConvolutionOfTheStuffedSignal) {
     const std::vector<double> in = noise(5000, 1);
-    for (const HalfbandStage& description : kStages.up) {
+    for (const HalfbandStage& description : kCascadeStages.up) {
         const std::vector<double> expected = doubled(description, in);
         for (int most : {1, 37, 5000}) {
             CHalfbandUpsampler stage(description);
@@ -144,7 +142,7 @@ TEST(CHalfbandUpsampler, isAConvolutionOfTheStuffedSignal) {
 
 TEST(CHalfbandUpsampler, takesInputThatAlreadyLiesInItsRing) {
     const std::vector<double> in = noise(5000, 3);
-    CHalfbandUpsampler stage(kStages.up[1]);
+    CHalfbandUpsampler stage(kCascadeStages.up[1]);
     std::vector<double> out(2 * in.size());
     for (int done = 0; done < 5000;) {
         const int count = std::min(stage.room(), 5000 - done);
@@ -153,12 +151,12 @@ TEST(CHalfbandUpsampler, takesInputThatAlreadyLiesInItsRing) {
         stage.process(stage.writePointer(), count, out.data() + 2 * done);
         done += count;
     }
-    expectNear(doubled(kStages.up[1], in), out);
+    expectNear(doubled(kCascadeStages.up[1], in), out);
 }
 
 TEST(CHalfbandDownsampler, isAConvolutionOfWhichEverySecondSampleIsKept) {
     const std::vector<double> in = noise(6000, 4);
-    for (const HalfbandStage& description : kStages.down) {
+    for (const HalfbandStage& description : kCascadeStages.down) {
         const std::vector<double> expected = halved(description, in);
         for (int most : {2, 74, 6000}) {
             CHalfbandDownsampler stage(description);
@@ -177,7 +175,7 @@ TEST(CHalfbandDownsampler, isAConvolutionOfWhichEverySecondSampleIsKept) {
 }
 
 TEST(CHalfbandDownsampler, roundsAnOddCountUpOnce) {
-    CHalfbandDownsampler stage(kStages.down[0]);
+    CHalfbandDownsampler stage(kCascadeStages.down[0]);
     double out[4];
     const std::vector<double> in = noise(8, 6);
     stage.process(in.data(), 3, out);
@@ -187,7 +185,7 @@ TEST(CHalfbandDownsampler, roundsAnOddCountUpOnce) {
 }
 
 TEST(CRingCascade, subBlocksFillTheRingsWithoutAWrap) {
-    CRingCascade rings(kStages);
+    CRingCascade rings(kCascadeStages);
     int longest = 0;
     for (int done = 0; done < 4000;) {
         const int count = rings.subBlockLength(4000 - done);
@@ -215,7 +213,7 @@ TEST(CRingCascade, resetForgetsEverything) {
         }
         return out;
     };
-    CRingCascade rings(kStages);
+    CRingCascade rings(kCascadeStages);
     const std::vector<double> first = run(rings);
     rings.reset();
     EXPECT_EQ(first, run(rings));

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: LicenseRef-Halyard
+// One channel of the clipper: clips against 1.0 at 128 times the host's rate and comes back to the host's rate.
+//
+//   fftUp      host rate to 2x, with the sharp edge at half the host's rate
+//   cascade    2x to 128x, the clipping function, 128x to 2x
+//   fftDown    2x to host rate, with the sharp edge at 0.485 of it
+//
+// Nothing in it depends on the host's rate. The output lags by latencySamples(), and is the same bit for bit however
+// the host cuts its blocks. Owner: the module of a channel, or whoever wants to clip. Threads: one at a time; only
+// construction and destruction touch what channels share, under a lock. Memory is taken in the constructor only.
+#pragma once
+
+#include <memory>
+
+#include "Modules/CFFTDownsampler.h"
+#include "Modules/CFFTUpsampler.h"
+#include "Modules/CRingCascade.h"
+#include "Modules/ProcessorBuild.h"
+#include "Platform/Annotations.h"
+
+namespace brt {
+
+class CHalyardCore {
+public:
+    // [init] `build` is one that this machine supports.
+    explicit CHalyardCore(ProcessorBuild build = processorBuild());
+    ~CHalyardCore();
+    CHalyardCore(const CHalyardCore&) = delete;
+    CHalyardCore& operator=(const CHalyardCore&) = delete;
+
+    // [audio] Settings of the samples to come; each processBlock takes them at once, without a ramp.
+    double hardness = 1.0;  // 0 soft to 1 hard
+    bool residue = false;   // give what clipping takes away instead of what it leaves
+
+    // [audio] What follows is as if silence had come before. The settings stay.
+    void reset() noexcept BRT_REALTIME;
+
+    // [audio] Takes and writes `sampleCount` samples at the host's rate; below 1 does nothing. `in` and `out` are
+    // apart. Whatever `in` holds (NaN, infinities, denormals), the time it takes is the same.
+    void processBlock(const double* in, double* out, int sampleCount) noexcept BRT_REALTIME;
+
+    // [any] How far the output lags behind the input, in host samples.
+    int latencySamples() const noexcept;
+
+    // [any] The form of the inner loops, as asked for at construction.
+    ProcessorBuild build() const noexcept { return m_build; }
+
+    // [any] False when the constructor found no memory: the output is silence then.
+    bool isReady() const noexcept;
+
+private:
+    const ProcessorBuild m_build;
+    CFFTUpsampler m_fftUp;
+    CFFTDownsampler m_fftDown;
+    std::unique_ptr<CRingCascade> m_rings;
+};
+
+}  // namespace brt
