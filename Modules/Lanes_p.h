@@ -45,7 +45,6 @@ BRT_LANE_OP void store(double* p, Lanes v) { *reinterpret_cast<LanesInMemory*>(p
 // `p` aligned to 8 bytes.
 BRT_LANE_OP Lanes loadUnaligned(const double* p) { return *reinterpret_cast<const UnalignedLanes*>(p); }
 BRT_LANE_OP void storeUnaligned(double* p, Lanes v) { *reinterpret_cast<UnalignedLanes*>(p) = v; }
-BRT_LANE_OP Lanes splat(double x) { return Lanes{} + x; }
 BRT_LANE_OP double lane(Lanes v, int i) { return v[i]; }
 #endif
 
@@ -68,6 +67,7 @@ BRT_LANE_OP double maxOf(double a, double b) { return a > b ? a : b; }
 BRT_LANE_OP double absOf(double a) { return __builtin_fabs(a); }
 
 #if BRT_LANES == 2
+BRT_LANE_OP Lanes splat(double x) { return _mm_set1_pd(x); }
 BRT_LANE_OP Lanes mulAdd(Lanes a, Lanes b, Lanes c) { return a * b + c; }
 BRT_LANE_OP Lanes mulSub(Lanes a, Lanes b, Lanes c) { return a * b - c; }
 BRT_LANE_OP Lanes negMulAdd(Lanes a, Lanes b, Lanes c) { return c - a * b; }
@@ -75,6 +75,7 @@ BRT_LANE_OP Lanes minOf(Lanes a, Lanes b) { return _mm_min_pd(a, b); }
 BRT_LANE_OP Lanes maxOf(Lanes a, Lanes b) { return _mm_max_pd(a, b); }
 BRT_LANE_OP Lanes absOf(Lanes a) { return _mm_andnot_pd(_mm_set1_pd(-0.0), a); }
 #elif BRT_LANES == 4
+BRT_LANE_OP Lanes splat(double x) { return _mm256_set1_pd(x); }
 BRT_LANE_OP Lanes mulAdd(Lanes a, Lanes b, Lanes c) { return _mm256_fmadd_pd(a, b, c); }
 BRT_LANE_OP Lanes mulSub(Lanes a, Lanes b, Lanes c) { return _mm256_fmsub_pd(a, b, c); }
 BRT_LANE_OP Lanes negMulAdd(Lanes a, Lanes b, Lanes c) { return _mm256_fnmadd_pd(a, b, c); }
@@ -82,6 +83,7 @@ BRT_LANE_OP Lanes minOf(Lanes a, Lanes b) { return _mm256_min_pd(a, b); }
 BRT_LANE_OP Lanes maxOf(Lanes a, Lanes b) { return _mm256_max_pd(a, b); }
 BRT_LANE_OP Lanes absOf(Lanes a) { return _mm256_andnot_pd(_mm256_set1_pd(-0.0), a); }
 #elif BRT_LANES == 8
+BRT_LANE_OP Lanes splat(double x) { return _mm512_set1_pd(x); }
 BRT_LANE_OP Lanes mulAdd(Lanes a, Lanes b, Lanes c) { return _mm512_fmadd_pd(a, b, c); }
 BRT_LANE_OP Lanes mulSub(Lanes a, Lanes b, Lanes c) { return _mm512_fmsub_pd(a, b, c); }
 BRT_LANE_OP Lanes negMulAdd(Lanes a, Lanes b, Lanes c) { return _mm512_fnmadd_pd(a, b, c); }
