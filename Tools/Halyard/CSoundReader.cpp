@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: LicenseRef-Halyard
+#include "Tools/Halyard/CSoundReader.h"
+
+#include <cmath>
+#include <string>
+
+#include "Tools/Halyard/CProcessor.h"
+#include "Tools/Halyard/ChunkCheck.h"
+#include "Tools/Halyard/ToolError.h"
+
+namespace brt {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void failReading(const fs::path& path, const std::string& reasonAndAdvice) {
+    throw CToolError("cannot read " + quoted(path) + ": " + reasonAndAdvice);
+}
+
+void checkSource(const fs::path& path) {
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (!fs::exists(status))
+        failReading(path, fs::is_other(status) || status.type() == fs::file_type::none
+                              ? error.message() + "; check the name and who may read it"
+                              : "no such file; check the name");
+    if (fs::is_directory(status)) failReading(path, "it is a folder; name the sound files in it");
+    if (!fs::is_regular_file(status)) failReading(path, "it is a device or a pipe; name a file on disk");
+    if (const auto missing = findMissingSound(path))
+        failReading(path, "it is cut off: " + std::to_string(missing->presentBytes) + " of " +
+                              std::to_string(missing->promisedBytes) + " bytes of sound are there; copy it anew");
+}
+
+// libsndfile's own words, as a part of a sentence.
+std::string libraryReason(SNDFILE* file) {
+    std::string text = sf_strerror(file);
+    while (!text.empty() && (text.back() == '.' || text.back() == '\n')) text.pop_back();
+    return text;
+}
+
+}  // namespace
+
+CSoundReader::CSoundReader(const fs::path& path) : m_path(path) {
+    checkSource(path);
+    SF_INFO info{};
+    m_file.reset(sf_open(path.string().c_str(), SFM_READ, &info));
+    if (!m_file) {
+        const int code = sf_error(nullptr);
+        if (code == SF_ERR_SYSTEM) failReading(path, libraryReason(nullptr) + "; check who may read it");
+        failReading(path, "it is no sound file that halyard knows (" + libraryReason(nullptr) +
+                              "); give a WAV, FLAC, AIFF, CAF, W64 or RF64 file");
+    }
+    if (info.channels > ProcessorSettings::kMaxChannels)
+        failReading(path, "it has " + std::to_string(info.channels) + " channels; halyard takes 1 to " +
+                              std::to_string(ProcessorSettings::kMaxChannels) + ", so split it first");
+    m_frameCount = info.frames;
+    m_format.container = info.format & SF_FORMAT_TYPEMASK;
+    m_format.sample = sampleFormatHolding(info.format);
+    m_format.rateHz = info.samplerate;
+    m_format.channelCount = info.channels;
+}
+
+int CSoundReader::read(CPlanarBuffer& buffer) {
+    const int channels = channelCount();
+    m_interleaved.resize(static_cast<std::size_t>(buffer.frameCount()) * static_cast<std::size_t>(channels));
+    const auto count = static_cast<int>(sf_readf_double(m_file.get(), m_interleaved.data(), buffer.frameCount()));
+    if (sf_error(m_file.get()) != SF_ERR_NO_ERROR)
+        failReading(m_path,
+                    libraryReason(m_file.get()) + " at frame " + std::to_string(m_position + count) + "; copy it anew");
+    m_position += count;
+    if (count < buffer.frameCount() && m_position != m_frameCount)
+        failReading(m_path, "it is cut off: " + std::to_string(m_position) + " of " + std::to_string(m_frameCount) +
+                                " frames are there; copy it anew");
+
+    for (int c = 0; c < channels; ++c) {
+        double* samples = buffer.channel(c);
+        const double* source = m_interleaved.data() + c;
+        for (int i = 0; i < count; ++i, source += channels) {
+            samples[i] = *source;
+            if (std::isfinite(samples[i])) continue;
+            samples[i] = 0;
+            ++m_nonFiniteCount;
+        }
+    }
+    return count;
+}
+
+void CSoundReader::seek(std::int64_t frame) {
+    if (sf_seek(m_file.get(), frame, SF_SEEK_SET) != frame) failReading(m_path, "seeking in it failed; copy it anew");
+    m_position = frame;
+}
+
+}  // namespace brt

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: LicenseRef-Halyard
+// What the user typed, taken apart and checked: the only file that knows the options' names.
+#pragma once
+
+#include <string>
+#include <variant>
+
+#include "Tools/Halyard/DemoSignal.h"
+#include "Tools/Halyard/MeasureCommand.h"
+#include "Tools/Halyard/PlotCommand.h"
+#include "Tools/Halyard/RenderCommand.h"
+
+namespace brt {
+
+// Help or the version: a text for standard output.
+struct TextRequest {
+    std::string text;
+};
+
+using Request = std::variant<TextRequest, RenderRequest, PlotRequest, MeasureRequest, DemoSignalRequest>;
+
+// Throws CUsageError with the one line that tells what is wrong.
+Request parseCommandLine(int argumentCount, const char* const* arguments);
+
+}  // namespace brt
