@@ -2,10 +2,10 @@
 // Processor builds as the benchmarks name them.
 #pragma once
 
+#include "Modules/ProcessorBuild.h"
+
 #include <string>
 #include <vector>
-
-#include "Modules/ProcessorBuild.h"
 
 namespace bench {
 

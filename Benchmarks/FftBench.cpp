@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 // The transforms one by one, and the two FFT stages per host sample. FftwBench.cpp has their peer.
 // Transforms run on zeros, in place: their time does not depend on the values, and zeros stay zeros.
-#include <string>
-#include <vector>
-
 #include "Builds.h"
 #include "Modules/CAlignedBlock.h"
 #include "Modules/CFFTDownsampler.h"
 #include "Modules/CFFTUpsampler.h"
 #include "Modules/CRealFFTPool.h"
 #include "Targets.h"
+
+#include <string>
+#include <vector>
 
 namespace {
 

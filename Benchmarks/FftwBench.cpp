@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 // FFTW, as a peer to measure the transforms against; no part of the product. Planned by measuring, out of place, which
 // is its faster way.
+#include "Targets.h"
+
 #include <fftw3.h>
 
 #include <string>
-
-#include "Targets.h"
 
 namespace {
 

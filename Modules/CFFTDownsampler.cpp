@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Modules/CFFTDownsampler.h"
 
+#include "Modules/SpectrumKernel_p.h"
+
 #include <algorithm>
 #include <utility>
-
-#include "Modules/SpectrumKernel_p.h"
 
 namespace brt {
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Modules/CFFTStage.h"
 
-#include <algorithm>
-
 #include "Modules/ProcessorBuild_p.h"
 #include "Modules/SpectrumKernel_p.h"
+
+#include <algorithm>
 
 namespace brt {
 

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Modules/CFFTStageKernels.h"
 
+#include "Core/CBrtMemAllocator.h"
+#include "Core/CProcess.h"
+
 #include <algorithm>
+#include <atomic>
 #include <cmath>
-#include <new>
 #include <numbers>
 #include <utility>
 
@@ -11,6 +14,17 @@ namespace brt {
 namespace {
 
 constinit CFFTStageKernels s_kernels;
+constinit std::atomic<bool> s_isStopRegistered{false};
+
+// With no lock held: the process holds its own while it has the spectra freed.
+void registerStop() {
+    if (s_isStopRegistered.load(std::memory_order_relaxed)) return;
+    registerProcessStop(ProcessStage::filterSpectra, [] {
+        s_isStopRegistered.store(false);
+        s_kernels.freeAll();
+    });
+    s_isStopRegistered.store(true);
+}
 
 // The modified Bessel function of the first kind and order 0.
 // Abramowitz and Stegun, Handbook of Mathematical Functions, 9.8.1 and 9.8.2; relative error below 2e-7.
@@ -64,10 +78,12 @@ void designFftStageSpectrum(double* spectrum, const FftStageDesign& design, CRea
     for (int k = 1; k < size / 2; ++k) spectrum[2 * k + 1] = spectrum[2 * k];
 }
 
-struct CFFTStageKernels::Entry {
-    FftStageDesign design;
-    int order;
-    ProcessorBuild build;
+struct CFFTStageKernels::Entry : CBrtMemAllocator {
+    Entry(const FftStageDesign& d, const CRealFFT& fft) : design(d), order(fft.order()), build(fft.build()) {}
+
+    const FftStageDesign design;
+    const int order;
+    const ProcessorBuild build;
     CAlignedBlock<double> spectrum;
     Entry* next = nullptr;
 };
@@ -75,13 +91,13 @@ struct CFFTStageKernels::Entry {
 CFFTStageKernels& CFFTStageKernels::instance() { return s_kernels; }
 
 const double* CFFTStageKernels::find(const FftStageDesign& design, CRealFFT& fft) {
-    CLock lock(m_lock);
+    if (this == &s_kernels) registerStop();
+    const CLock lock(m_lock);
     for (const Entry* entry = m_first; entry != nullptr; entry = entry->next)
         if (entry->design == design && entry->order == fft.order() && entry->build == fft.build())
             return entry->spectrum.data();
 
-    auto* entry = new (std::nothrow) Entry{design, fft.order(), fft.build(), {}, nullptr};
-    if (entry == nullptr) return nullptr;
+    auto* entry = new Entry(design, fft);
     if (!entry->spectrum.allocate(static_cast<std::size_t>(fft.size()))) {
         delete entry;
         return nullptr;
@@ -92,7 +108,7 @@ const double* CFFTStageKernels::find(const FftStageDesign& design, CRealFFT& fft
 }
 
 void CFFTStageKernels::freeAll() {
-    CLock lock(m_lock);
+    const CLock lock(m_lock);
     while (m_first != nullptr) delete std::exchange(m_first, m_first->next);
 }
 

@@ -5,17 +5,18 @@
 // allocates. Tables are shared by all objects of the same order and build; an object of its own has only a work buffer.
 #pragma once
 
-#include <cstddef>
-
+#include "Core/CBrtMemAllocator.h"
 #include "Modules/CAlignedBlock.h"
 #include "Modules/ProcessorBuild.h"
 #include "Platform/Annotations.h"
+
+#include <cstddef>
 
 namespace brt {
 
 struct RealFftSpec;
 
-class CRealFFT {
+class CRealFFT : public CBrtMemAllocator {
 public:
     int order() const { return m_order; }
     int size() const { return m_size; }           // 2^order

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Modules/CRealFFTPool.h"
 
-#include <cstdlib>
-#include <new>
-
+#include "Core/CProcess.h"
 #include "Modules/CAlignedBlock.h"
 #include "Modules/RealFft.h"
+
+#include <atomic>
+#include <cstdlib>
 
 namespace brt {
 namespace {
@@ -13,6 +14,17 @@ namespace {
 constexpr int kHint = 1;
 
 constinit CRealFFTPool s_pool;
+constinit std::atomic<bool> s_isStopRegistered{false};
+
+// With no lock held: the process holds its own while it has the pool freed.
+void registerStop() {
+    if (s_isStopRegistered.load(std::memory_order_relaxed)) return;
+    registerProcessStop(ProcessStage::transforms, [] {
+        s_isStopRegistered.store(false);
+        s_pool.freeAll();
+    });
+    s_isStopRegistered.store(true);
+}
 
 RealFftSpec* makeSpec(int order, ProcessorBuild build, std::size_t specBytes) {
     // Freed by freeAll; fftGetSize's sizes are whole cache lines.
@@ -32,8 +44,9 @@ CRealFFTPool& CRealFFTPool::instance() { return s_pool; }
 
 CRealFFTRef CRealFFTPool::acquire(int order, ProcessorBuild build) {
     if (order < 0 || order > kFftMaxOrder || !isProcessorBuildSupported(build)) return {};
+    if (this == &s_pool) registerStop();
 
-    CLock lock(m_lock);
+    const CLock lock(m_lock);
     Shelf& shelf = m_shelves[static_cast<int>(build)][order];
     CRealFFT* fft = shelf.free;
     if (fft != nullptr)
@@ -51,21 +64,21 @@ CRealFFT* CRealFFTPool::make(Shelf& shelf, int order, ProcessorBuild build) {
     if (shelf.spec == nullptr) shelf.spec = makeSpec(order, build, specBytes);
     if (shelf.spec == nullptr) return nullptr;
 
-    auto* fft = new (std::nothrow) CRealFFT(order, build, shelf.spec);
-    if (fft == nullptr || fft->m_workStore.allocate(workBytes)) return fft;
+    auto* fft = new CRealFFT(order, build, shelf.spec);
+    if (fft->m_workStore.allocate(workBytes)) return fft;
     delete fft;
     return nullptr;
 }
 
 void CRealFFTPool::giveBack(CRealFFT* fft) {
-    CLock lock(m_lock);
+    const CLock lock(m_lock);
     Shelf& shelf = m_shelves[static_cast<int>(fft->m_build)][fft->m_order];
     fft->m_next = std::exchange(shelf.free, fft);
     --shelf.lentCount;
 }
 
 void CRealFFTPool::freeAll() {
-    CLock lock(m_lock);
+    const CLock lock(m_lock);
     for (auto& shelvesOfBuild : m_shelves) {
         for (Shelf& shelf : shelvesOfBuild) {
             while (shelf.free != nullptr) delete std::exchange(shelf.free, shelf.free->m_next);

@@ -6,12 +6,12 @@
 // Invariant: an object is on one free list or lent to one reference, never both.
 #pragma once
 
-#include <utility>
-
 #include "Modules/CRealFFT.h"
 #include "Modules/ProcessorBuild.h"
 #include "Platform/Annotations.h"
 #include "Platform/CCriticalSection.h"
+
+#include <utility>
 
 namespace brt {
 

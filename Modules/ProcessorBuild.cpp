@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Modules/ProcessorBuild.h"
 
+#include "Core/Log.h"
 #include "Platform/Processor.h"
 
 #include <atomic>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -61,19 +61,22 @@ bool isProcessorBuildSupported(ProcessorBuild build) {
     }
 }
 
-ProcessorBuild processorBuild() {
-    if (const int choice = s_choice.load(std::memory_order_relaxed); choice != 0)
-        return static_cast<ProcessorBuild>(choice - 1);
-
+ProcessorBuild chooseProcessorBuild(const char* wantedName) {
     ProcessorBuild build = fastestSupported();
-    const char* wanted = std::getenv(kEnvironmentVariable);
-    const bool refused = wanted != nullptr && !findSupported(build, wanted);
-    int nobody = 0;
-    if (!s_choice.compare_exchange_strong(nobody, static_cast<int>(build) + 1)) return processorBuild();
-    if (refused)
-        std::fprintf(stderr, "%s=%s is not a processor build of this machine; using %s.\n", kEnvironmentVariable,
-                     wanted, processorBuildName(build));
+    if (wantedName != nullptr && !findSupported(build, wantedName))
+        logLine("This machine has no processor build '%s' (%s); '%s' runs instead.", wantedName, kEnvironmentVariable,
+                processorBuildName(build));
     return build;
+}
+
+ProcessorBuild processorBuild() {
+    int choice = s_choice.load(std::memory_order_relaxed);
+    if (choice == 0) {
+        const int mine = static_cast<int>(chooseProcessorBuild(std::getenv(kEnvironmentVariable))) + 1;
+        // Whoever comes first decides for all.
+        if (s_choice.compare_exchange_strong(choice, mine)) choice = mine;
+    }
+    return static_cast<ProcessorBuild>(choice - 1);
 }
 
 const char* processorBuildName(ProcessorBuild build) {

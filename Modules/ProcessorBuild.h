@@ -23,6 +23,9 @@ bool isProcessorBuildSupported(ProcessorBuild build);
 // the log.
 ProcessorBuild processorBuild();
 
+// [any] The build of that name, else, and for null, the fastest one supported; a name that cannot be served is logged.
+ProcessorBuild chooseProcessorBuild(const char* wantedName);
+
 // [any] "portable", "baseline", "avx2" or "avx512", as in HALYARD_BUILD.
 const char* processorBuildName(ProcessorBuild build);
 

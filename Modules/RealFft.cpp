@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Modules/RealFft.h"
 
-#include <cmath>
-#include <numbers>
-
 #include "Modules/CAlignedBlock.h"
 #include "Modules/ProcessorBuild_p.h"
 #include "Modules/RealFft_p.h"
+
+#include <cmath>
+#include <numbers>
 
 namespace brt {
 

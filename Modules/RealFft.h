@@ -11,9 +11,9 @@
 // Orders 10 and 11 are the ones that the signal path uses and that the inner loops are tuned for.
 #pragma once
 
-#include <cstddef>
-
 #include "Modules/ProcessorBuild.h"
+
+#include <cstddef>
 
 namespace brt {
 

@@ -14,6 +14,8 @@ namespace brt {
 // What can be stopped, in the order of starting: each may use those above it. It is stopped from the last to the first.
 enum class ProcessStage {
     benchmarkRecords,  // log their lines
+    transforms,        // of the signal path
+    filterSpectra,
     resources,
     creators,
     stores,

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Modules/CRealFFTPool.h"
 
-#include <thread>
-#include <vector>
-
+#include "Core/CBrtMemAllocator.h"
+#include "Core/CProcess.h"
+#include "Modules/CFFTDownsampler.h"
+#include "Modules/CFFTUpsampler.h"
 #include "Modules/ProcessorBuilds.h"
 
 #include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
 
 namespace brt {
 namespace {
@@ -84,6 +88,21 @@ TEST_F(CRealFFTPoolTest, ThreadsNeverShareAnObject) {
     std::thread other(work);
     work();
     other.join();
+}
+
+// The process's own pool and store, as the end of the process treats them.
+TEST(SignalTablesTest, AreFreedWithTheProcessAndMadeAgain) {
+    const std::int64_t before = CBrtMemAllocator::liveBlocks();
+    for (int round = 0; round < 2; ++round) {
+        {
+            const CFFTUpsampler up;
+            const CFFTDownsampler down;
+            ASSERT_TRUE(up.isReady() && down.isReady());
+        }
+        EXPECT_GE(CBrtMemAllocator::liveBlocks(), before + 6);
+        stopProcess();
+        EXPECT_EQ(CBrtMemAllocator::liveBlocks(), before);
+    }
 }
 
 }  // namespace

@@ -1,5 +1,12 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 // The two FFT stages against convolution by the book.
+#include "Modules/CFFTDownsampler.h"
+#include "Modules/CFFTStageKernels.h"
+#include "Modules/CFFTUpsampler.h"
+#include "Modules/ProcessorBuilds.h"
+
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -7,13 +14,6 @@
 #include <numeric>
 #include <random>
 #include <vector>
-
-#include "Modules/CFFTDownsampler.h"
-#include "Modules/CFFTStageKernels.h"
-#include "Modules/CFFTUpsampler.h"
-#include "Modules/ProcessorBuilds.h"
-
-#include <gtest/gtest.h>
 
 namespace brt {
 namespace {

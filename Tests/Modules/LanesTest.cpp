@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
-#include <cmath>
-#include <cstdlib>
-#include <limits>
-#include <vector>
-
 #include "Modules/LaneProbe.h"
 #include "Modules/ProcessorBuilds.h"
 
 #include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <vector>
 
 namespace brt {
 namespace {
@@ -98,14 +98,6 @@ TEST_P(LanesTest, VectorsAndDoublesRoundAlike) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Builds, LanesTest, ::testing::ValuesIn(supportedBuilds()), buildOfTest);
-
-TEST(ProcessorBuildTest, PortableRunsEverywhereAndTheChoiceIsSupported) {
-    EXPECT_TRUE(isProcessorBuildSupported(ProcessorBuild::kPortable));
-    EXPECT_FALSE(isProcessorBuildSupported(static_cast<ProcessorBuild>(7)));
-    EXPECT_TRUE(isProcessorBuildSupported(processorBuild()));
-    EXPECT_STREQ(processorBuildName(ProcessorBuild::kAvx512), "avx512");
-    EXPECT_STREQ(processorBuildName(static_cast<ProcessorBuild>(-1)), "unknown");
-}
 
 }  // namespace
 }  // namespace brt

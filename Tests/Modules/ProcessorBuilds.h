@@ -3,12 +3,12 @@
 //   INSTANTIATE_TEST_SUITE_P(Builds, MyTest, ::testing::ValuesIn(supportedBuilds()), buildOfTest);
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "Modules/ProcessorBuild.h"
 
 #include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
 
 namespace brt {
 

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Modules/RealFft.h"
 
+#include "Modules/CAlignedBlock.h"
+#include "Modules/ProcessorBuilds.h"
+
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <numbers>
 #include <random>
 #include <vector>
-
-#include "Modules/CAlignedBlock.h"
-#include "Modules/ProcessorBuilds.h"
-
-#include <gtest/gtest.h>
 
 namespace brt {
 namespace {
