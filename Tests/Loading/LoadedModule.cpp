@@ -4,6 +4,8 @@
 #include <cstring>
 #include <memory>
 
+#include "Core/CParallelSection.h"
+#include "Core/CProcess.h"
 #include "Platform/CAutoResetEvent.h"
 #include "Platform/CLockFreeList.h"
 #include "Platform/CTimerQueue.h"
@@ -13,6 +15,7 @@
 
 namespace {
 
+brt::CProcessLifetime g_lifetime;
 constinit brt::CLockFreeList g_list;
 constinit std::atomic<int> g_calls{0};
 
@@ -21,9 +24,21 @@ void signalEvent(void* event) {
     static_cast<brt::CAutoResetEvent*>(event)->signal();
 }
 
+class CallTask : public brt::CWorkerThread {
+public:
+    brt::CError* run() override { return ++g_calls, nullptr; }
+};
+
+bool runSection() {
+    brt::CParallelSection section;
+    for (int i = 0; i < 2; ++i) section.addTask(new CallTask);
+    section.start();
+    return !brt::discardError(section.finish());  // there is none to be told
+}
+
 }  // namespace
 
-// Returns how many calls came since the load, which is 3 in a module that is fresh, or a negative number for a failure.
+// Returns how many calls came since the load, which is 5 in a module that is fresh, or a negative number for a failure.
 // Writes the module's path as the system has it.
 extern "C" __attribute__((visibility("default"))) int exerciseModule(char* path, std::size_t room) {
     const std::string modulePath = brt::pathToSystem(brt::modulePath());
@@ -45,6 +60,10 @@ extern "C" __attribute__((visibility("default"))) int exerciseModule(char* path,
     alignas(16) static constinit char block[64] = {};
     g_list.push(block);
     if (g_list.pop() != block || g_list.pop() != nullptr) return -4;
+    {
+        const brt::CProcessInstance instance;
+        if (!runSection()) return -6;
+    }
     // The library's own templates bring static data along, which pins a module that is compiled carelessly.
     const auto shared = std::make_shared<int>(brt::processorCount());
     return *shared > 0 ? g_calls.load() : -5;
