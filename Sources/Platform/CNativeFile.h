@@ -29,6 +29,12 @@ enum class FileKind {
     regular,  // everything else is refused, before a byte is read: for what a folder of the user brings in
 };
 
+// Who may read and write a file that didn't exist before.
+enum class NewFileAccess {
+    asUsual,   // as the user's own programs make files
+    userOnly,  // nobody but the user
+};
+
 class CNativeFile {
 public:
     CNativeFile() noexcept = default;
@@ -44,9 +50,11 @@ public:
     [[nodiscard]] int openStandard(StandardStream stream);
 
     // [any] Creates a new empty file for reading and writing in the folder of `target`, to be renamed to it when
-    // complete. It gets the access rights of `target` if that exists, else those of any new file.
-    // A target that is a link would be replaced by the rename: pass its `realPath`.
-    [[nodiscard]] int createTemporaryBeside(std::u16string_view target, std::u16string& temporaryPath);
+    // complete. It gets the access rights of `target` if that exists, which must be a regular file then. Its name is
+    // ".", the target's name, "." and 12 letters.
+    // A target that is a link would be replaced by the rename: pass what `followLinks` gives.
+    [[nodiscard]] int createTemporaryBeside(std::u16string_view target, std::u16string& temporaryPath,
+                                            NewFileAccess access = NewFileAccess::asUsual);
 
     // [any] Closed afterwards in any case; a standard stream is only detached from. Does nothing if not open.
     [[nodiscard]] int close();

@@ -36,6 +36,10 @@ bool isWritable(std::u16string_view path);
 // [any] Removes a file, or the link that the path names.
 [[nodiscard]] int removeFile(std::u16string_view path);
 
+// [any] The file that writing to `path` would reach or create: where the path names a link, what that leads to, which
+// need not exist. On failure `result` is unchanged.
+[[nodiscard]] int followLinks(std::u16string_view path, std::u16string& result);
+
 // [any] The absolute path with all links followed, which must exist. On failure `result` is unchanged.
 [[nodiscard]] int realPath(std::u16string_view path, std::u16string& result);
 

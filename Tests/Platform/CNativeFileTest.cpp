@@ -241,7 +241,15 @@ TEST_F(CNativeFileTest, aTemporaryFileTakesTheTargetsPlaceAndRights) {
     ASSERT_EQ(removeFile(first), 0);
     ASSERT_EQ(removeFile(second), 0);
     EXPECT_EQ(removeFile(second), kErrorNotFound);
+    ASSERT_EQ(m_file.createTemporaryBeside(m_folder.path("private"), first, NewFileAccess::userOnly), 0);
+    EXPECT_EQ(modeOf(pathToSystem(first)), 0600u);
+    EXPECT_TRUE(pathToSystem(first).starts_with(m_folder.bytes(".private.")));
     umask(maskBefore);
+
+    // The longest name that there can be still leaves room.
+    EXPECT_EQ(m_file.createTemporaryBeside(m_folder.path(std::string(255, 'n')), first), 0);
+    EXPECT_EQ(m_file.createTemporaryBeside(u"/dev/null", first), kErrorNotRegular);
+    EXPECT_EQ(m_file.createTemporaryBeside(u"", first), kErrorNotFound);
 
     EXPECT_EQ(m_file.createTemporaryBeside(m_folder.path("missing/target"), first), kErrorNotFound);
 }

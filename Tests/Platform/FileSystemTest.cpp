@@ -98,6 +98,22 @@ TEST_F(FileSystemTest, followsLinksToTheRealPath) {
     EXPECT_EQ(path, m_folder.path("file"));
 }
 
+TEST_F(FileSystemTest, followsLinksAlsoToWhatIsNotThereYet) {
+    ASSERT_EQ(makeDirectory(m_folder.path("folder")), 0);
+    makeLink("folder/second", "first");
+    makeLink(m_folder.bytes("missing"), "folder/second");
+    std::u16string path;
+    ASSERT_EQ(followLinks(m_folder.path("first"), path), 0);
+    EXPECT_EQ(path, m_folder.path("missing"));
+    ASSERT_EQ(followLinks(m_folder.path("other"), path), 0);
+    EXPECT_EQ(path, m_folder.path("other"));
+
+    makeLink("b", "a");
+    makeLink("a", "b");
+    EXPECT_EQ(followLinks(m_folder.path("a"), path), ELOOP);
+    EXPECT_EQ(path, m_folder.path("other"));
+}
+
 TEST_F(FileSystemTest, tellsWhetherItMayWrite) {
     EXPECT_TRUE(isWritable(m_folder.path()));
     EXPECT_FALSE(isWritable(m_folder.path("missing")));

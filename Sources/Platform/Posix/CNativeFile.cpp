@@ -41,13 +41,14 @@ bool waitUntilReady(int descriptor, short events) noexcept {
 
 bool wouldBlock(int error) noexcept { return error == EAGAIN || error == EWOULDBLOCK; }
 
-// 12 letters that differ at every call, in this process and most likely in every other; the caller tries until the
-// name is free.
-std::string temporaryName() {
+// ".NAME." and 12 letters that differ at every call, in this process and most likely in every other; the caller tries
+// until the name is free.
+std::string temporaryName(std::string_view targetName) {
     static constinit std::atomic<std::uint64_t> calls{0};
     std::uint64_t number = static_cast<std::uint64_t>(clockCounter()) ^ static_cast<std::uint64_t>(getpid()) << 40 ^
                            calls.fetch_add(1) * 0x9E37'79B9'7F4A'7C15;
-    std::string name = ".tmp-";
+    constexpr std::size_t kMostNameBytes = 200;  // of the 255 that file systems allow
+    std::string name = "." + std::string(targetName.substr(0, kMostNameBytes)) + ".";
     for (int i = 0; i < 12; ++i, number >>= 5) name.push_back("abcdefghijklmnopqrstuvwxyz234567"[number & 31]);
     return name;
 }
@@ -95,20 +96,26 @@ int CNativeFile::openStandard(StandardStream stream) {
     return 0;
 }
 
-int CNativeFile::createTemporaryBeside(std::u16string_view target, std::u16string& temporaryPath) {
+int CNativeFile::createTemporaryBeside(std::u16string_view target, std::u16string& temporaryPath,
+                                       NewFileAccess access) {
     if (const int error = close()) return error;
     const CSystemPath systemTarget(target);
     if (const int error = systemTarget.error()) return error;
     struct stat replaced {};
     const bool replaces = stat(systemTarget, &replaced) == 0;
     if (replaces && S_ISDIR(replaced.st_mode)) return kErrorIsDirectory;
+    if (replaces && !S_ISREG(replaced.st_mode)) return kErrorNotRegular;
 
-    const std::string folder = systemTarget.bytes().substr(0, systemTarget.bytes().rfind('/') + 1);
+    const std::size_t nameBegin = systemTarget.bytes().rfind('/') + 1;
+    const std::string folder = systemTarget.bytes().substr(0, nameBegin);
+    const std::string targetName = systemTarget.bytes().substr(nameBegin);
+    if (targetName.empty()) return kErrorNotFound;
+    const mode_t mode = access == NewFileAccess::userOnly ? 0600 : 0666;
     std::string path;
     constexpr int kMostAttempts = 100;
     for (int attempt = 0; attempt < kMostAttempts && m_descriptor < 0; ++attempt) {
-        path = folder + temporaryName();
-        m_descriptor = retried([&] { return ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | kAlways, 0666); });
+        path = folder + temporaryName(targetName);
+        m_descriptor = retried([&] { return ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | kAlways, mode); });
         if (m_descriptor < 0 && errno != EEXIST) break;
     }
     if (m_descriptor < 0) return errno;

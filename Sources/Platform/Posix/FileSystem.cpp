@@ -3,6 +3,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <limits.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <sys/stat.h>
@@ -105,6 +106,29 @@ int removeFile(std::u16string_view path) {
     const CSystemPath systemPath(path);
     if (const int error = systemPath.error()) return error;
     return unlink(systemPath) == 0 ? 0 : errno;
+}
+
+int followLinks(std::u16string_view path, std::u16string& result) {
+    const CSystemPath start(path);
+    if (const int error = start.error()) return error;
+    constexpr int kMostLinks = 40;  // as the system's own
+    std::string file = start.bytes();
+    for (int links = 0; links <= kMostLinks; ++links) {
+        char target[PATH_MAX];
+        const ssize_t length = readlink(file.c_str(), target, sizeof target);
+        if (length < 0 && errno != EINVAL && errno != ENOENT) return errno;
+        if (length < 0) {  // no link, or nothing yet
+            result = pathFromSystem(file);
+            return 0;
+        }
+        // A relative link starts at the folder that it lies in.
+        if (target[0] == '/')
+            file.clear();
+        else
+            file.erase(file.rfind('/') + 1);
+        file.append(target, static_cast<std::size_t>(length));
+    }
+    return ELOOP;
 }
 
 int realPath(std::u16string_view path, std::u16string& result) {
