@@ -71,10 +71,11 @@ std::byte* bytesOf(void* block) noexcept { return static_cast<std::byte*>(block)
 
 int classAt(void* block) noexcept { return std::to_integer<int>(bytesOf(block)[-1]); }
 
+// Null where the system refuses.
 void* allocFromHeap(std::size_t size, int classNumber) {
-    if (size > std::numeric_limits<std::size_t>::max() - kHeapBlockSlack) CBrtMemAllocator::endOutOfMemory(size);
+    if (size > std::numeric_limits<std::size_t>::max() - kHeapBlockSlack) return nullptr;
     void* raw = std::malloc(size + kHeapBlockSlack);
-    if (raw == nullptr) CBrtMemAllocator::endOutOfMemory(size);
+    if (raw == nullptr) return nullptr;
 
     // Each of the first bytes holds its own distance from the raw address, so one of them is the offset at block - 10.
     std::byte* const bytes = bytesOf(raw);
@@ -131,6 +132,10 @@ void* CBrtMemAllocator::alloc(std::size_t size) {
         if (void* block = t_magazines->take(classOf(size))) return block;
     }
     return allocElsewhere(size);
+}
+
+void* CBrtMemAllocator::tryAlloc(std::size_t size) {
+    return classOf(size) == kBigBlock ? allocFromHeap(size, kBigBlock) : alloc(size);
 }
 
 void CBrtMemAllocator::free(void* block) noexcept {

@@ -14,8 +14,8 @@
 // all threads (CSizeClass.h). Builds with AddressSanitizer or ThreadSanitizer take every block from the system's heap,
 // under the same header, so that the sanitizers see each one.
 //
-// Threads: any. Usable before the first static constructor and after the last destructor. No operation fails: where the
-// system refuses memory the process ends with one line on standard error.
+// Threads: any. Usable before the first static constructor and after the last destructor. But for
+// `tryAlloc` no operation fails: where the system refuses memory the process ends with one line on standard error.
 #pragma once
 
 #include <cstddef>
@@ -34,6 +34,9 @@ public:
 
     // [any] A block of at least `size` bytes, not initialised; 0 is served like 1.
     [[nodiscard, gnu::malloc, gnu::returns_nonnull, gnu::alloc_size(1)]] static void* alloc(std::size_t size);
+
+    // [any] The same, but null where the system refuses the memory: for sizes that come from data.
+    [[nodiscard, gnu::malloc, gnu::alloc_size(1)]] static void* tryAlloc(std::size_t size);
 
     // [any] Takes a block back. Null is ignored.
     static void free(void* block) noexcept;

@@ -104,7 +104,8 @@ public:
     static void fromInt(CString& result, std::int64_t value, int minDigits = 0, int base = 10);
 
     // UTF-8 of stored data. Writing: surrogates give nothing, a NUL ends the text. Reading: bytes that can't lead are
-    // skipped, a NUL or a sequence cut short ends the text, of a code point above U+FFFF the low 16 bits stay.
+    // skipped, a NUL or a sequence cut short ends the text, of a code point above U+FFFF the low 16 bits stay, or
+    // U+FFFD where they would be a NUL or a surrogate.
     std::string toUtf8() const;
     static CString fromUtf8(std::string_view bytes);
 

@@ -64,12 +64,34 @@ std::string CString::toUtf8() const {
     return bytes;
 }
 
+namespace {
+
+// A code point above U+FFFF leaves its low 16 bits. Where they would be a NUL or half of a surrogate pair, which no
+// text can hold, it leaves the replacement character.
+char16_t unitOf(char32_t codePoint) noexcept {
+    const auto unit = static_cast<char16_t>(codePoint);
+    const bool isLost = codePoint > 0xFFFF && (unit == 0 || (unit >= 0xD800 && unit < 0xE000));
+    return isLost ? u'\uFFFD' : unit;
+}
+
+}  // namespace
+
 CString CString::fromUtf8(std::string_view bytes) {
+    // Counted first, so that the text gets its form and its room at once.
+    int count = 0;
+    bool isWide = false;
+    char32_t codePoint = 0;
+    for (CUtf8Reader reader(bytes); reader.next(codePoint); ++count) isWide |= codePoint > 255;
+
     CString result;
+    if (isWide) result.widen();
+    result.setLength(count, false);
     CUtf8Reader reader(bytes);
-    for (char32_t codePoint; reader.next(codePoint);) {
-        if (codePoint > 255) result.widen();
-        result.append(static_cast<char16_t>(codePoint));
+    for (int i = 0; reader.next(codePoint); ++i) {
+        if (isWide)
+            result.data16()[i] = unitOf(codePoint);
+        else
+            result.data8()[i] = static_cast<char>(codePoint);
     }
     return result;
 }

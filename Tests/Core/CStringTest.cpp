@@ -211,6 +211,10 @@ TEST(CString, utf8OfStoredDataFollowsItsOwnRules) {
     EXPECT_FALSE(CString::fromUtf8("a\xC3\xA9").isWide());
     EXPECT_EQ(CString::fromUtf8("\xC3\xA9\xD0\x96x"), u"\u00E9\u0416x");
     EXPECT_EQ(CString::fromUtf8("\xF0\x9F\x98\x80!"), u"\xF600!");  // U+1F600: the low 16 bits
+    EXPECT_EQ(CString::fromUtf8("\xF0\x90\x81\x81"), u"A");         // U+10041
+    EXPECT_TRUE(CString::fromUtf8("\xF0\x90\x81\x81").isWide());
+    for (const char* lost : {"\xF0\x90\x80\x80", "\xF0\x9D\xA0\x80", "\xF0\x9D\xBF\xBF"})  // U+10000, U+1D800, U+1DFFF
+        EXPECT_EQ(CString::fromUtf8(lost), u"\uFFFD");
     EXPECT_EQ(CString::fromUtf8("a\x80\xFF"
                                 "b"),
               "ab");                                 // can't lead
