@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: LicenseRef-Halyard
+#include "Fuzz/BlockTarget.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace brt;
+    fuzz::CBlockTarget(&CInputStream::readCompressedData, &COutputStream::writeCompressedData, 4, true).run(data, size);
+    return 0;
+}
