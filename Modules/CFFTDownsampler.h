@@ -17,8 +17,8 @@ public:
     // [audio] Forgets all input.
     void reset() BRT_REALTIME;
 
-    // [audio] Takes `count` samples from `in`, an even number, and writes count / 2 to `out`, which is apart from `in`.
-    // An odd count is rounded up where the count's last sample lies at an even place of the block, else down.
+    // [audio] Takes `count` samples from `in` and writes count / 2 to `out`, which is apart from `in`. After an odd
+    // count the stream is between two outputs: that call writes one more if it began on an even sample of the stream.
     void process(const double* in, int count, double* out) BRT_REALTIME;
 
 private:

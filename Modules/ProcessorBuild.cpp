@@ -51,12 +51,12 @@ bool findSupported(ProcessorBuild& build, const char* name) {
 
 bool isProcessorBuildSupported(ProcessorBuild build) {
     switch (build) {
-    case ProcessorBuild::kPortable: return true;
 #if defined(BRT_X86_BUILDS)
-    case ProcessorBuild::kBaseline: return true;
-    case ProcessorBuild::kAvx2: return hasAvx2Generation();
     case ProcessorBuild::kAvx512: return hasAvx512Generation();
+    case ProcessorBuild::kAvx2: return hasAvx2Generation();
+    case ProcessorBuild::kBaseline:
 #endif
+    case ProcessorBuild::kPortable: return true;
     default: return false;
     }
 }

@@ -52,6 +52,7 @@ struct RealFftSpec {
     const double* binTwiddles;
 };
 
-constexpr int lanePlace(int lane, int lanes) { return lanes == 1 ? 0 : lane % 2 * (lanes / 2) + lane / 2; }
+// Static, like all that files compiled per build share: no one copy of it may serve them all.
+static constexpr int lanePlace(int lane, int lanes) { return lanes == 1 ? 0 : lane % 2 * (lanes / 2) + lane / 2; }
 
 }  // namespace brt

@@ -187,6 +187,19 @@ TEST_P(FftStagesTest, BuildsAgree) {
     for (std::size_t i = 0; i < z.size(); ++i) ASSERT_NEAR(64 * z[i], 64 * zPortable[i], 1e-14);
 }
 
+// As after any failure of the constructor.
+TEST(FftStagesWithoutTransformsTest, GiveSilence) {
+    const auto unknown = static_cast<ProcessorBuild>(9);
+    CFFTUpsampler up(unknown);
+    CFFTDownsampler down(unknown);
+    EXPECT_FALSE(up.isReady() || down.isReady());
+    up.reset();
+    down.reset();
+    const Samples x = noise(3000);
+    EXPECT_EQ(run(up, x, 6000, {100}), Samples(6000, 0.0));
+    EXPECT_EQ(run(down, x, 1500, {100}), Samples(1500, 0.0));
+}
+
 INSTANTIATE_TEST_SUITE_P(Builds, FftStagesTest, ::testing::ValuesIn(supportedBuilds()), buildOfTest);
 
 TEST(FftStageKernelTest, TapsAreAWindowedSinc) {
