@@ -48,7 +48,8 @@ std::string temporaryName(std::string_view targetName) {
     std::uint64_t number = static_cast<std::uint64_t>(clockCounter()) ^ static_cast<std::uint64_t>(getpid()) << 40 ^
                            calls.fetch_add(1) * 0x9E37'79B9'7F4A'7C15;
     constexpr std::size_t kMostNameBytes = 200;  // of the 255 that file systems allow
-    std::string name = "." + std::string(targetName.substr(0, kMostNameBytes)) + ".";
+    std::string name(".");
+    name.append(targetName.substr(0, kMostNameBytes)).append(".");
     for (int i = 0; i < 12; ++i, number >>= 5) name.push_back("abcdefghijklmnopqrstuvwxyz234567"[number & 31]);
     return name;
 }
