@@ -23,27 +23,24 @@ void CFFTDownsampler::process(const double* in, int count, double* out) {
         return;
     }
     while (count > 0) {
-        const int position = m_geometry.newPerBlock - m_toGo, taken = std::min(count, m_toGo);
-        std::copy_n(in, taken, m_current + position);
-        out = read(position - m_geometry.kernelHalf, taken, out);
+        const int taken = std::min(count, m_toGo);
+        out = read(out, taken);
+        write(in, taken);
+        if (m_toGo == 0) nextBlock();
         in += taken;
         count -= taken;
-        m_toGo -= taken;
-        if (m_toGo == 0) completeBlock();
     }
 }
 
-void CFFTDownsampler::completeBlock() {
-    exchangeOverlap(m_geometry.newPerBlock);
-    m_fftIn->forward(m_current, m_current);
-    m_spectra.narrow(m_current, m_kernel, m_geometry.blockLen / kFactor);
-    m_fftOut->inverse(m_current, m_current);
-    std::swap(m_current, m_finished);
-    startBlock();
+void CFFTDownsampler::write(const double* in, int count) {
+    std::copy_n(in, count, m_current + m_geometry.newPerBlock - m_toGo);
+    m_toGo -= count;
 }
 
 // The finished block is circular: negative positions lie at its end.
-double* CFFTDownsampler::read(int position, int count, double* out) const {
+double* CFFTDownsampler::read(double* out, int count) {
+    int position = m_readPosition - m_geometry.kernelHalf;
+    m_readPosition += count;
     if (position < 0) {
         const int wrapped = std::min(count, -position);
         out = readEven(position + m_geometry.blockLen, wrapped, out);
@@ -51,6 +48,15 @@ double* CFFTDownsampler::read(int position, int count, double* out) const {
         count -= wrapped;
     }
     return readEven(position, count, out);
+}
+
+void CFFTDownsampler::nextBlock() {
+    exchangeOverlap(m_geometry.newPerBlock);
+    m_fftIn->forward(m_current, m_current);
+    m_spectra.narrow(m_current, m_kernel, m_geometry.blockLen / kFactor);
+    m_fftOut->inverse(m_current, m_current);
+    std::swap(m_current, m_finished);
+    startBlock();
 }
 
 // Positions count samples at the higher rate, of which the finished block holds those at even places.

@@ -21,9 +21,14 @@ public:
     // count the stream is between two outputs: that call writes one more if it began on an even sample of the stream.
     void process(const double* in, int count, double* out) BRT_REALTIME;
 
+    // [audio] The parts of process, for a caller that writes later than it reads. `write` takes at most toGo() samples.
+    // `read` gives what falls on the next `count` positions at the higher rate and returns the end of it in `out`. When
+    // a whole block has been read and written, nextBlock transforms it and starts another.
+    void write(const double* in, int count) BRT_REALTIME;
+    double* read(double* out, int count) BRT_REALTIME;
+    void nextBlock() BRT_REALTIME;
+
 private:
-    void completeBlock() BRT_REALTIME;
-    double* read(int position, int count, double* out) const BRT_REALTIME;
     double* readEven(int position, int count, double* out) const BRT_REALTIME;
 };
 

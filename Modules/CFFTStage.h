@@ -4,7 +4,8 @@
 // Samples come in by any count and go out at once: new ones gather in `current` while old ones are read from
 // `finished`. When `current` is complete it is filtered as a whole and the two change places. So the block grid runs on
 // whatever the calls' lengths are, the output is the same bit for bit for any of them, and all the work of a block
-// falls on the call that completes it. Block lengths and positions count samples at the higher of the two rates.
+// falls on one call: that which completes it, or the next one. Block lengths and positions count samples at the higher
+// of the two rates.
 //
 // The filter lies around index 0 of a circular convolution: the samples before the new ones stand behind them in the
 // block, where the convolution looks for negative time.
@@ -49,10 +50,14 @@ protected:
     // Exchanges the newest overlapLen of the `count` new samples of `current`, which the next block will need, for
     // those kept from the block before, which this block needs behind the new ones.
     void exchangeOverlap(int count) BRT_REALTIME;
-    void startBlock() { m_toGo = m_geometry.newPerBlock; }
+    void startBlock() {
+        m_toGo = m_geometry.newPerBlock;
+        m_readPosition = 0;
+    }
 
     const FftStageGeometry m_geometry;
     int m_toGo = 0;
+    int m_readPosition = 0;  // of the next sample read, counted like the new samples of the block
     const SpectrumKernel& m_spectra;
     CRealFFTRef m_fftIn, m_fftOut;
     CAlignedBlock<double> m_blockStore;  // two blocks, then the overlap

@@ -12,6 +12,7 @@ CFFTUpsampler::CFFTUpsampler(ProcessorBuild build) : CFFTStage(kFftUpDesign, tru
 
 void CFFTUpsampler::reset() {
     startBlock();
+    m_isTransformDue = false;
     if (!isReady()) return;
     const FftStageGeometry& g = m_geometry;
     std::fill_n(m_overlap, g.overlapLen, 0.0);
@@ -26,29 +27,27 @@ void CFFTUpsampler::process(const double* in, int count, double* out) {
         std::fill_n(out, 2 * count, 0.0);
         return;
     }
-    for (int left = kFactor * count; left > 0;) {
-        const int position = m_geometry.newPerBlock - m_toGo, taken = std::min(left, m_toGo);
-        std::copy_n(in, taken / kFactor, m_current + position / kFactor);
-        read(position - m_geometry.kernelHalf, taken, out);
-        in += taken / kFactor;
-        out += taken;
-        left -= taken;
-        m_toGo -= taken;
-        if (m_toGo == 0) completeBlock();
+    while (count > 0) {
+        const int taken = std::min(count, m_toGo / kFactor);
+        write(in, taken);
+        read(out, kFactor * taken);
+        if (m_toGo == 0) nextBlock();
+        in += taken;
+        out += kFactor * taken;
+        count -= taken;
     }
 }
 
-void CFFTUpsampler::completeBlock() {
-    exchangeOverlap(m_geometry.newPerBlock / kFactor);
-    m_fftIn->forward(m_current, m_current);
-    m_spectra.widen(m_current, m_kernel, m_geometry.blockLen / kFactor);
-    m_fftOut->inverse(m_current, m_current);
-    std::swap(m_current, m_finished);
-    startBlock();
+void CFFTUpsampler::write(const double* in, int count) {
+    std::copy_n(in, count, m_current + (m_geometry.newPerBlock - m_toGo) / kFactor);
+    m_toGo -= kFactor * count;
 }
 
 // The finished block is circular: negative positions lie at its end.
-void CFFTUpsampler::read(int position, int count, double* out) const {
+void CFFTUpsampler::read(double* out, int count) {
+    if (m_isTransformDue) transform();
+    int position = m_readPosition - m_geometry.kernelHalf;
+    m_readPosition += count;
     if (position < 0) {
         const int wrapped = std::min(count, -position);
         out = std::copy_n(m_finished + m_geometry.blockLen + position, wrapped, out);
@@ -56,6 +55,20 @@ void CFFTUpsampler::read(int position, int count, double* out) const {
         count -= wrapped;
     }
     std::copy_n(m_finished + position, count, out);
+}
+
+void CFFTUpsampler::nextBlock() {
+    exchangeOverlap(m_geometry.newPerBlock / kFactor);
+    std::swap(m_current, m_finished);
+    startBlock();
+    m_isTransformDue = true;
+}
+
+void CFFTUpsampler::transform() {
+    m_fftIn->forward(m_finished, m_finished);
+    m_spectra.widen(m_finished, m_kernel, m_geometry.blockLen / kFactor);
+    m_fftOut->inverse(m_finished, m_finished);
+    m_isTransformDue = false;
 }
 
 }  // namespace brt

@@ -19,9 +19,17 @@ public:
     // [audio] Takes `count` samples from `in` and writes 2 * count to `out`, which is apart from `in`.
     void process(const double* in, int count, double* out) BRT_REALTIME;
 
+    // [audio] The parts of process, for a caller that reads later than it writes. `write` takes at most toGo() / 2
+    // samples. `read` gives the next `count` at the higher rate, up to two for each one written in this block; the
+    // first read of a block transforms it. When a whole block has been written and read, nextBlock starts another.
+    void write(const double* in, int count) BRT_REALTIME;
+    void read(double* out, int count) BRT_REALTIME;
+    void nextBlock() BRT_REALTIME;
+
 private:
-    void completeBlock() BRT_REALTIME;
-    void read(int position, int count, double* out) const BRT_REALTIME;
+    void transform() BRT_REALTIME;
+
+    bool m_isTransformDue = false;  // of the finished block
 };
 
 }  // namespace brt

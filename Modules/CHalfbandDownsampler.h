@@ -17,7 +17,7 @@ namespace brt {
 
 class CHalfbandDownsampler {
 public:
-    // [init] `stage` as makeCascadeStages gives it: its filter has 3, 4, 5, 6 or 14 taps a side.
+    // [init] `stage` as makeCascadeStages gives it: its filter has 3, 4, 5, 6 or 14 taps a side. It outlives this.
     explicit CHalfbandDownsampler(const HalfbandStage& stage) noexcept;
 
     // [audio] Forgets all input: what follows is as if silence had come before.
@@ -43,7 +43,7 @@ private:
     static Filter filterFor(int tapCount) noexcept;
 
     double m_ring[kRingLength + kMaxMirror] = {};
-    const double* m_taps;  // not owned: one of the constant tables
+    const double* m_taps;  // not owned: the stage's description's
     int m_base;
     int m_mirrorLen;
     int m_delay;

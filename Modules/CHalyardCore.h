@@ -6,8 +6,15 @@
 //   fftDown    2x to host rate, with the sharp edge at 0.485 of it
 //
 // Nothing in it depends on the host's rate. The output lags by latencySamples(), and is the same bit for bit however
-// the host cuts its blocks. Owner: the module of a channel, or whoever wants to clip. Threads: one at a time; only
-// construction and destruction touch what channels share, under a lock. Memory is taken in the constructor only.
+// the host cuts its blocks.
+//
+// The cascade has a plain form, rings, which the portable build runs in step with the FFT stages, and a fast one,
+// segments. That one runs late: the FFT stages work in hops of 624 samples, and what comes in during a hop is not heard
+// before the hop is over. So the sub-blocks of the fast form all have one length and lie on a grid of their own, each
+// runs when its samples are complete, with the settings that held when they came in, and a host's block of one sample
+// costs little more than a 512th of one of 512.
+// Owner: the module of a channel, or whoever wants to clip. Threads: one at a time; only construction and destruction
+// touch what channels share, under a lock. Memory is taken in the constructor only.
 #pragma once
 
 #include <memory>
@@ -15,6 +22,8 @@
 #include "Modules/CFFTDownsampler.h"
 #include "Modules/CFFTUpsampler.h"
 #include "Modules/CRingCascade.h"
+#include "Modules/CSegmentCascade.h"
+#include "Modules/ClipCurve.h"
 #include "Modules/ProcessorBuild.h"
 #include "Platform/Annotations.h"
 
@@ -49,10 +58,26 @@ public:
     bool isReady() const noexcept;
 
 private:
+    static constexpr int kHop = 624;  // host samples that complete a block of the FFT stages
+
+    ClipSettings settings() const noexcept;
+    void processRings(const double* in, double* out, int sampleCount) noexcept BRT_REALTIME;
+    void processSegments(const double* in, double* out, int sampleCount) noexcept BRT_REALTIME;
+    void clipWhatIsComplete() noexcept BRT_REALTIME;
+
     const ProcessorBuild m_build;
     CFFTUpsampler m_fftUp;
     CFFTDownsampler m_fftDown;
+
+    // One of the two.
     std::unique_ptr<CRingCascade> m_rings;
+    std::unique_ptr<CSegmentCascade> m_segments;
+
+    // With segments: host samples of this hop that have come in, that have gone through the cascade, and their
+    // settings.
+    int m_arrived = 0;
+    int m_clipped = 0;
+    ClipSettings m_arrivedWith[kHop];
 };
 
 }  // namespace brt

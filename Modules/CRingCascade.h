@@ -14,7 +14,7 @@ namespace brt {
 
 class CRingCascade {
 public:
-    // [init]
+    // [init] `stages` outlives this.
     explicit CRingCascade(const CascadeStages& stages) noexcept;
 
     // [audio] As if silence had come before.

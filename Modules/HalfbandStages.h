@@ -14,28 +14,23 @@ namespace brt {
 
 // One side of a filter, from the tap next to the centre outwards.
 struct HalfbandFilter {
-    const double* taps;
     int tapCount;
+    double taps[14];
 };
 
-inline constexpr double kTapsA[] = {0.631240998626138,      -0.19655597710631964,   0.1027684921342688,
-                                    -0.059490988758402405,  0.0346988134060341,     -0.019549960480486066,
-                                    0.010349142324331035,   -0.005025002614623113,  0.0021821682186055525,
-                                    -0.000822358834526356,  0.00025827473074253247, -6.355752012851194e-05,
-                                    1.0958455299770852e-05, -1.0032273970755534e-06};
-inline constexpr double kTapsB[] = {0.612783922717009,     -0.15000053763035304,  0.047575323515978485,
-                                    -0.012320702804596599, 0.0021462442599168604, -0.00018425092390713776};
-inline constexpr double kTapsC[] = {0.6062680829563801, -0.1358822405377674, 0.03554430539178499, -0.006512702293187077,
-                                    0.0005825545039281257};
-inline constexpr double kTapsD[] = {0.598350286536635, -0.11999986080299097, 0.024132530818597356,
-                                    -0.0024829565615183094};
-inline constexpr double kTapsE[] = {0.5860080813907921, -0.09776218587529621, 0.011754104552897233};
-
-inline constexpr HalfbandFilter kFilterA = {kTapsA, 14};
-inline constexpr HalfbandFilter kFilterB = {kTapsB, 6};
-inline constexpr HalfbandFilter kFilterC = {kTapsC, 5};
-inline constexpr HalfbandFilter kFilterD = {kTapsD, 4};
-inline constexpr HalfbandFilter kFilterE = {kTapsE, 3};
+inline constexpr HalfbandFilter kFilterA = {
+    14,
+    {0.631240998626138, -0.19655597710631964, 0.1027684921342688, -0.059490988758402405, 0.0346988134060341,
+     -0.019549960480486066, 0.010349142324331035, -0.005025002614623113, 0.0021821682186055525, -0.000822358834526356,
+     0.00025827473074253247, -6.355752012851194e-05, 1.0958455299770852e-05, -1.0032273970755534e-06}};
+inline constexpr HalfbandFilter kFilterB = {6,
+                                            {0.612783922717009, -0.15000053763035304, 0.047575323515978485,
+                                             -0.012320702804596599, 0.0021462442599168604, -0.00018425092390713776}};
+inline constexpr HalfbandFilter kFilterC = {
+    5, {0.6062680829563801, -0.1358822405377674, 0.03554430539178499, -0.006512702293187077, 0.0005825545039281257}};
+inline constexpr HalfbandFilter kFilterD = {
+    4, {0.598350286536635, -0.11999986080299097, 0.024132530818597356, -0.0024829565615183094}};
+inline constexpr HalfbandFilter kFilterE = {3, {0.5860080813907921, -0.09776218587529621, 0.011754104552897233}};
 
 // A stage's window holds its newest mirrorLen + 1 input samples.
 struct HalfbandStage {
@@ -55,13 +50,13 @@ struct CascadeStages {
 };
 
 // The window of an up stage: the old sample of each pair and, between it and the next, the new one.
-constexpr HalfbandStage makeUpStage(HalfbandFilter filter) {
+constexpr HalfbandStage makeUpStage(const HalfbandFilter& filter) {
     const int n = filter.tapCount;
     return {filter, n - 1, 2 * n - 1, n};
 }
 
 // The window of a down stage, moved one sample back where `pad` is 1.
-constexpr HalfbandStage makeDownStage(HalfbandFilter filter, int pad) {
+constexpr HalfbandStage makeDownStage(const HalfbandFilter& filter, int pad) {
     const int halfWidth = 2 * filter.tapCount - 1;
     return {filter, halfWidth, 2 * halfWidth + pad, halfWidth + pad};
 }
