@@ -15,5 +15,8 @@ extern const int kErrorNotOpen;        // the file or standard stream is not ope
 extern const int kErrorIsDirectory;    // a directory where a file was wanted
 extern const int kErrorNotRegular;     // a device, pipe or socket where a regular file was wanted
 extern const int kErrorLockedByOther;  // the lock of the file is held elsewhere
+extern const int kErrorQueueFull;      // more messages wait than a queue takes
+extern const int kErrorWouldDeadlock;  // the operation would wait for its own caller
+extern const int kErrorWrongThread;    // the object belongs to another thread
 
 }  // namespace brt

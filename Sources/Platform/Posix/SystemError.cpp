@@ -12,6 +12,9 @@ const int kErrorNotOpen = EBADF;
 const int kErrorIsDirectory = EISDIR;
 const int kErrorNotRegular = ENOTSUP;
 const int kErrorLockedByOther = EWOULDBLOCK;
+const int kErrorQueueFull = ENOBUFS;
+const int kErrorWouldDeadlock = EDEADLK;
+const int kErrorWrongThread = EPERM;
 
 const char* systemErrorText(int error) noexcept {
     const char* const text = strerrordesc_np(error);
