@@ -25,30 +25,6 @@ bool concerns(LoopTargetId only, LoopTargetId target) { return only == LoopTarge
 
 }  // namespace
 
-// A call of `run`, `pump` or `runModal` that is under way. They nest: the innermost one dispatches.
-class CMessageLoop::Frame {
-public:
-    Frame(CMessageLoop& loop, LoopTargetId only, bool endsAtQuit)
-        : m_loop(loop), m_outer(loop.m_innermost), m_only(only), m_endsAtQuit(endsAtQuit) {
-        loop.m_innermost = this;
-    }
-    ~Frame() { m_loop.m_innermost = m_outer; }
-    Frame(const Frame&) = delete;
-    Frame& operator=(const Frame&) = delete;
-
-    LoopTargetId only() const { return m_only; }
-    Frame* outer() const { return m_outer; }
-    void end() { m_isEnded = true; }
-    bool goesOn() const { return !m_isEnded && !(m_endsAtQuit && m_loop.m_mailbox->isQuitRequested()); }
-
-private:
-    CMessageLoop& m_loop;
-    Frame* const m_outer;
-    const LoopTargetId m_only;
-    const bool m_endsAtQuit;
-    bool m_isEnded = false;
-};
-
 std::shared_ptr<CMessageLoop> CMessageLoop::current() {
     const CLock lock(g_loopsLock);
     for (CMessageLoop* loop = g_firstLoop; loop != nullptr; loop = loop->m_next)
@@ -127,10 +103,9 @@ void CMessageLoop::removeSource(LoopSourceId id) {
 
 int CMessageLoop::run() {
     if (!isOnItsThread()) return kErrorWrongThread;
-    if (m_innermost != nullptr) return kErrorWouldDeadlock;
+    if (!m_frames.empty()) return kErrorWouldDeadlock;
     const auto keep = shared_from_this();
-    Frame frame(*this, LoopTargetId::none, true);
-    const int error = runRounds(frame);
+    const int error = runRounds(LoopTargetId::none);
     if (error == 0) m_mailbox->takeQuit();
     return error;
 }
@@ -139,36 +114,42 @@ int CMessageLoop::runModal(LoopTargetId only) {
     if (!isOnItsThread()) return kErrorWrongThread;
     if (findTarget(only) == nullptr) return 0;
     const auto keep = shared_from_this();
-    Frame frame(*this, only, true);
-    return runRounds(frame);
+    return runRounds(only);
 }
 
 void CMessageLoop::endModal(LoopTargetId only) {
     if (only == LoopTargetId::none) return;
-    for (Frame* frame = m_innermost; frame != nullptr; frame = frame->outer())
-        if (frame->only() == only) frame->end();
+    for (Frame& frame : m_frames)
+        if (frame.only == only) frame.isEnded = true;
 }
 
 bool CMessageLoop::pump() {
-    if (!isOnItsThread() || m_innermost != nullptr) return false;
+    if (!isOnItsThread() || !m_frames.empty()) return false;
     const auto keep = shared_from_this();
-    const Frame frame(*this, LoopTargetId::none, false);
+    const Frame& frame = m_frames.emplace_back(Frame{.only = LoopTargetId::none, .endsAtQuit = false});
     bool wasBusy = false;
     // A failure to look at descriptors has nobody to be told to here; messages and timers are served all the same.
     static_cast<void>(round(frame, Waiting::forbidden, wasBusy));
+    m_frames.pop_back();
     return wasBusy;
 }
 
-int CMessageLoop::runRounds(Frame& frame) {
+int CMessageLoop::runRounds(LoopTargetId only) {
+    const Frame& frame = m_frames.emplace_back(Frame{.only = only, .endsAtQuit = true});
     bool wasBusy = false;
-    while (frame.goesOn())
-        if (const int error = round(frame, Waiting::allowed, wasBusy)) return error;
-    return 0;
+    int error = 0;
+    while (error == 0 && goesOn(frame)) error = round(frame, Waiting::allowed, wasBusy);
+    m_frames.pop_back();
+    return error;
+}
+
+bool CMessageLoop::goesOn(const Frame& frame) const {
+    return !frame.isEnded && !(frame.endsAtQuit && m_mailbox->isQuitRequested());
 }
 
 int CMessageLoop::round(const Frame& frame, Waiting waiting, bool& wasBusy) {
-    std::vector<LoopWatch> watches = prepareSources(frame.only());
-    const std::int64_t nanoseconds = waiting == Waiting::allowed ? timeToSleep(frame.only(), watches) : 0;
+    std::vector<LoopWatch> watches = prepareSources(frame.only);
+    const std::int64_t nanoseconds = waiting == Waiting::allowed ? timeToSleep(frame.only, watches) : 0;
     const int error = m_mailbox->wait(watches, nanoseconds);
     m_mailbox->collect(m_collected);
 
@@ -202,8 +183,8 @@ bool CMessageLoop::dispatchMessages(const Frame& frame) {
     if (m_collected.empty()) return false;
     const std::uint64_t last = m_collected.back().sequence;
     bool wasBusy = false;
-    while (frame.goesOn()) {
-        const auto next = nextMessage(frame.only());
+    while (goesOn(frame)) {
+        const auto next = nextMessage(frame.only);
         if (next == m_collected.end() || next->sequence > last) break;
         const LoopMessage message = *next;
         m_collected.erase(next);
@@ -217,11 +198,11 @@ bool CMessageLoop::dispatchMessages(const Frame& frame) {
 bool CMessageLoop::dispatchSources(const Frame& frame, const std::vector<LoopWatch>& watches) {
     bool wasBusy = false;
     for (const LoopWatch& watch : watches) {
-        if (!watch.isReady || !frame.goesOn()) continue;
+        if (!watch.isReady || !goesOn(frame)) continue;
         CEventSource* const source = findSource(watch.source);
         if (source == nullptr) continue;
         wasBusy = true;
-        source->dispatch(frame.only());
+        source->dispatch(frame.only);
     }
     return wasBusy;
 }
@@ -230,8 +211,8 @@ bool CMessageLoop::dispatchSources(const Frame& frame, const std::vector<LoopWat
 bool CMessageLoop::dispatchTimers(const Frame& frame) {
     const std::int64_t now = m_clock.now();
     bool wasBusy = false;
-    while (frame.goesOn()) {
-        const Timer* const next = nextTimer(frame.only());
+    while (goesOn(frame)) {
+        const Timer* const next = nextTimer(frame.only);
         if (next == nullptr || next->due > now) break;
         Timer& timer = m_timers[static_cast<std::size_t>(next - m_timers.data())];
         timer.due += ((now - timer.due) / timer.period + 1) * timer.period;

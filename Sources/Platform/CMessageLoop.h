@@ -94,9 +94,14 @@ public:
     void endModal(LoopTargetId only);
 
 private:
-    class Frame;
     enum class Waiting { forbidden, allowed };
 
+    // A call of `run`, `pump` or `runModal` that is under way. They nest: the innermost one dispatches.
+    struct Frame {
+        LoopTargetId only;
+        bool endsAtQuit;
+        bool isEnded = false;
+    };
     struct Timer {
         LoopTimerId id;
         LoopTargetId target;
@@ -110,9 +115,10 @@ private:
 
     explicit CMessageLoop(CLoopClock& clock);
 
-    [[nodiscard]] int runRounds(Frame& frame);
+    [[nodiscard]] int runRounds(LoopTargetId only);
     [[nodiscard]] int round(const Frame& frame, Waiting waiting, bool& wasBusy);
     std::vector<LoopWatch> prepareSources(LoopTargetId only);
+    bool goesOn(const Frame& frame) const;
     bool dispatchMessages(const Frame& frame);
     bool dispatchSources(const Frame& frame, const std::vector<LoopWatch>& watches);
     bool dispatchTimers(const Frame& frame);
@@ -131,7 +137,7 @@ private:
     std::vector<Source> m_sources;
     std::uint64_t m_lastTimer = 0;
     std::uint64_t m_lastSource = 0;
-    Frame* m_innermost = nullptr;    // of the calls that dispatch now; null outside
+    std::deque<Frame> m_frames;      // innermost last; empty outside. A deque: each stays where it is
     CMessageLoop* m_next = nullptr;  // in the list of all loops, under its lock
 };
 
