@@ -4,9 +4,14 @@
 // Threads: any.
 #pragma once
 
+#include <cstdint>
+
 #include "Core/CString.h"
 
 namespace brt {
+
+class CError;
+class CLoopAddress;
 
 class CSystem {
 public:
@@ -26,6 +31,10 @@ public:
 
     // [any] The empty path counts as one.
     static bool isDirectory(const CString& path);
+
+    // [any] Posts to a target of a message loop, which may have gone: then the message is dropped. Fails if too many
+    // messages wait there.
+    [[nodiscard]] static CError* sendEvent(const CLoopAddress& target, std::uint32_t message, std::int64_t number);
 };
 
 }  // namespace brt

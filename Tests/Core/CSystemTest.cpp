@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include "Core/CError.h"
+#include "Platform/CMessageLoop.h"
 #include "Platform/PathText.h"
 #include "Tests/Platform/TemporaryFolder.h"
 
@@ -27,6 +29,24 @@ TEST(CSystem, knowsItsOwnFile) {
     const std::filesystem::path self = std::filesystem::canonical("/proc/self/exe");
     EXPECT_EQ(pathToSystem(CSystem::modulePath().toPath()), self);
     EXPECT_EQ(pathToSystem(CSystem::moduleDirectory().toPath()), self.parent_path().string() + "/");
+}
+
+TEST(CSystem, tellsWithANumberThatALoopTakesNoMoreMessages) {
+    class CSilent final : public CLoopTarget {
+        void handleMessage(std::uint32_t, std::int64_t) override {}
+    };
+    std::shared_ptr<CMessageLoop> loop;
+    ASSERT_EQ(CMessageLoop::obtain(loop), 0);
+    CSilent silent;
+    const CLoopAddress address = loop->addressOf(loop->addTarget(silent));
+    EXPECT_EQ(CSystem::sendEvent(CLoopAddress(), 0x1400, 1), nullptr);
+    for (std::size_t i = 0; i < CLoopAddress::kMostWaitingMessages; ++i)
+        ASSERT_EQ(CSystem::sendEvent(address, 0x1400, 1), nullptr);
+    CString text;
+    ASSERT_TRUE(errorToText(CSystem::sendEvent(address, 0x1400, 1), text, true));
+    EXPECT_EQ(text, CString("Post message error 105.\r\n"));
+    loop->removeTarget(address.target());
+    EXPECT_EQ(CSystem::sendEvent(address, 0x1400, 1), nullptr);
 }
 
 }  // namespace
