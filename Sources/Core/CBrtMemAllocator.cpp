@@ -12,6 +12,7 @@
 
 #include "Core/CMagazines.h"
 #include "Core/CSizeClass.h"
+#include "Core/HeapBlock_p.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define BRT_SANITIZED_HEAP 1
@@ -28,12 +29,11 @@ namespace {
 #if defined(BRT_SANITIZED_HEAP)
 constexpr bool kAllFromHeap = true;
 // The system's heap aligns to 16, so this suffices, and the red zone begins right behind the request.
-constexpr std::size_t kHeapBlockSlack = 16;
+constexpr std::size_t kSlack = 16;
 #else
 constexpr bool kAllFromHeap = false;
-constexpr std::size_t kHeapBlockSlack = 25;  // header of 10 bytes, and up to 15 to align
+constexpr std::size_t kSlack = kHeapBlockSlack;
 #endif
-constexpr std::size_t kHeapHeaderSize = 10;
 
 template <int... Numbers>
 constexpr std::array<CSizeClass, sizeof...(Numbers)> makeClasses(std::integer_sequence<int, Numbers...>) {
@@ -67,45 +67,36 @@ CMagazines* magazinesOfThread() noexcept {
     return t_magazines;
 }
 
-std::byte* bytesOf(void* block) noexcept { return static_cast<std::byte*>(block); }
-
-int classAt(void* block) noexcept { return std::to_integer<int>(bytesOf(block)[-1]); }
+int classAt(const void* block) noexcept { return static_cast<const unsigned char*>(block)[-1]; }
 
 // Null where the system refuses.
 void* allocFromHeap(std::size_t size, int classNumber) {
-    if (size > std::numeric_limits<std::size_t>::max() - kHeapBlockSlack) return nullptr;
-    void* raw = std::malloc(size + kHeapBlockSlack);
+    if (size > std::numeric_limits<std::size_t>::max() - kSlack) return nullptr;
+    void* const raw = std::malloc(size + kSlack);
     if (raw == nullptr) return nullptr;
-
-    // Each of the first bytes holds its own distance from the raw address, so one of them is the offset at block - 10.
-    std::byte* const bytes = bytesOf(raw);
-    for (unsigned char i = 0; i < 16; ++i) bytes[i] = std::byte{i};
-    const std::uintptr_t end = reinterpret_cast<std::uintptr_t>(raw) + kHeapBlockSlack;
-    std::byte* const block = reinterpret_cast<std::byte*>(end & ~std::uintptr_t{15});
-    std::memcpy(block - 9, &size, sizeof size);
-    block[-1] = static_cast<std::byte>(classNumber);
     s_heapBlocks[static_cast<std::size_t>(classNumber)].fetch_add(1, std::memory_order_relaxed);
-    return block;
+    return makeHeapBlock(raw, kSlack, size, classNumber);
 }
 
 void freeToHeap(void* block, int classNumber) noexcept {
-    std::byte* const header = bytesOf(block) - kHeapHeaderSize;
     s_heapBlocks[static_cast<std::size_t>(classNumber)].fetch_sub(1, std::memory_order_relaxed);
-    std::free(header - std::to_integer<std::size_t>(header[0]));
+    std::free(rawOfHeapBlock(block));
 }
 
-std::size_t usableSize(void* block) noexcept {
+std::size_t usableSize(const void* block) noexcept {
     const int number = classAt(block);
-    if (!kAllFromHeap && number != CBrtMemAllocator::kBigBlock) return (static_cast<std::size_t>(number) + 1) * 16;
-    std::size_t size;
-    std::memcpy(&size, bytesOf(block) - 9, sizeof size);
-    return size;
+    if (kAllFromHeap || number == CBrtMemAllocator::kBigBlock) return sizeOfHeapBlock(block);
+    return (static_cast<std::size_t>(number) + 1) * 16;
 }
 
 // The two slow paths stand apart, so that the fast ones need no stack frame.
 [[gnu::noinline]] void* allocElsewhere(std::size_t size) {
     const int number = CBrtMemAllocator::classOf(size);
-    if (kAllFromHeap || number == CBrtMemAllocator::kBigBlock) return allocFromHeap(size, number);
+    if (kAllFromHeap || number == CBrtMemAllocator::kBigBlock) {
+        void* const block = allocFromHeap(size, number);
+        if (block == nullptr) CBrtMemAllocator::endOutOfMemory(size);
+        return block;
+    }
     CSizeClass& shared = s_classes[static_cast<std::size_t>(number)];
     CMagazines* const mine = magazinesOfThread();
     if (mine == nullptr) return shared.take();

@@ -60,6 +60,9 @@ public:
     // Gives all chunks back to the system and starts afresh. REQUIRES: no other thread uses the class.
     void freeChunks() noexcept BRT_NO_THREAD_SAFETY_ANALYSIS;
 
+    // [any] Bytes from a block to the next of its chunk.
+    int slotSize() const noexcept { return m_slotSize; }
+
     // Held by the thread that makes a chunk. For tests, which stop such a thread at its worst moment.
     CCriticalSection& refillLock() noexcept BRT_RETURN_CAPABILITY(m_lock) { return m_lock; }
 
@@ -75,7 +78,7 @@ private:
 
     CCriticalSection m_lock{50};
     const int m_growthLimit;
-    const int m_slotSize;  // bytes from a block to the next
+    const int m_slotSize;
     const std::uint8_t m_number;
     CLockFreeList m_freeList;
     int m_batch BRT_GUARDED_BY(m_lock) = 2;  // slots of the next chunk

@@ -38,7 +38,7 @@ void logLine(const char* format, const Arguments&... arguments) {
     if constexpr (sizeof...(Arguments) == 0) {
         logFormatted(format, {});
     } else {
-        const CFormatArgument list[] = {CFormatArgument(arguments)...};
+        const CFormatArgument list[sizeof...(Arguments)] = {CFormatArgument(arguments)...};
         logFormatted(format, list);
     }
 }

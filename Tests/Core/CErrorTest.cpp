@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "Core/Log.h"
-#include "PrintText.h"
+#include "Core/PrintText.h"
 
 namespace brt {
 namespace {

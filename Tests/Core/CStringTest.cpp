@@ -9,7 +9,7 @@
 
 #include "Core/COrderedMap.h"
 #include "Core/CStringList.h"
-#include "PrintText.h"
+#include "Core/PrintText.h"
 
 namespace brt {
 namespace {
