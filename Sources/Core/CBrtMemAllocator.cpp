@@ -14,6 +14,7 @@
 #include "Core/CSizeClass.h"
 #include "Core/HeapBlock_p.h"
 
+#if !defined(BRT_SANITIZED_HEAP)
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define BRT_SANITIZED_HEAP 1
 #elif defined(__has_feature)
@@ -21,12 +22,16 @@
 #define BRT_SANITIZED_HEAP 1
 #endif
 #endif
+#endif
+#if !defined(BRT_SANITIZED_HEAP)
+#define BRT_SANITIZED_HEAP 0
+#endif
 
 namespace brt {
 
 namespace {
 
-#if defined(BRT_SANITIZED_HEAP)
+#if BRT_SANITIZED_HEAP
 constexpr bool kAllFromHeap = true;
 // The system's heap aligns to 16, so this suffices, and the red zone begins right behind the request.
 constexpr std::size_t kSlack = 16;

@@ -39,7 +39,14 @@ CString& CString::operator=(CString&& other) noexcept {
 }
 
 CString& CString::assign(CStringView text) {
-    if (contains(text)) return *this = CString(text);
+    if (contains(text)) {
+        // A part of this text moves to the front.
+        const int unitBytes = isWide() ? 2 : 1;
+        const void* const place = isWide() ? static_cast<const void*>(text.wide().data()) : text.narrow().data();
+        std::memmove(m_data, place, static_cast<std::size_t>(text.length() * unitBytes));
+        setLength(text.length(), true);
+        return *this;
+    }
     setLengthAs(text.isWide(), text.length(), 0);
     writeUnits(0, text);
     return *this;
@@ -73,9 +80,8 @@ bool CString::contains(CStringView text) const noexcept {
 
 // Grows the buffer if `needBytes` don't fit; `slackBytes` more if it was outside already. The first `keepBytes` stay.
 void CString::makeRoom(std::int64_t needBytes, int slackBytes, std::size_t keepBytes) {
-    const bool wasInline = isInline();
-    if (needBytes <= (wasInline ? kInlineBytes : m_capacity)) return;
-    const std::int64_t size = wasInline ? needBytes : needBytes + slackBytes;
+    if (needBytes <= roomBytes()) return;
+    const std::int64_t size = isInline() ? needBytes : needBytes + slackBytes;
     if (size > std::numeric_limits<std::int32_t>::max()) endOutOfMemory(static_cast<std::size_t>(size));
 
     void* const block = alloc(static_cast<std::size_t>(size));
@@ -117,7 +123,7 @@ void CString::writeUnits(int position, CStringView text) noexcept {
     for (int i = 0; i < text.length(); ++i) data16()[position + i] = text[i];
 }
 
-CString& CString::append(CStringView text) {
+CString& CString::appendMoving(CStringView text) {
     if (contains(text)) return append(CString(text).view());
     if (text.isWide() && !isWide()) widen();
     const int position = m_length;

@@ -11,6 +11,7 @@
 
 #include <concepts>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -73,7 +74,15 @@ public:
     void clear() { assign(CStringView()); }
 
     // A wide operand makes an 8-bit text wide; an 8-bit operand is widened on the way to a wide text.
-    CString& append(CStringView text);
+    CString& append(CStringView text) {
+        // The common case: bytes behind bytes, and there is room. Nothing moves, so the text may be a part of this one.
+        const std::int64_t length = std::int64_t{m_length} + text.length();
+        if (isWide() || text.isWide() || length >= roomBytes()) return appendMoving(text);
+        std::memcpy(data8() + m_length, text.narrow().data(), text.narrow().size());
+        m_length = static_cast<std::int32_t>(length);
+        data8()[length] = 0;
+        return *this;
+    }
     CString& append(char16_t unit);
     CString& operator+=(CStringView text) { return append(text); }
 
@@ -133,6 +142,7 @@ private:
     static constexpr int kInlineBytes = 31;
 
     bool isInline() const noexcept { return m_data == m_inlineBuffer; }
+    std::int32_t roomBytes() const noexcept { return isInline() ? kInlineBytes : m_capacity; }
     void setWide(bool isWide) noexcept { m_inlineBuffer[31] = isWide; }
     bool contains(CStringView text) const noexcept;
     void resetToInline() noexcept;
@@ -140,6 +150,7 @@ private:
     void freeHeap() noexcept;
     void makeRoom(std::int64_t needBytes, int slackBytes, std::size_t keepBytes);
     void setLengthAs(bool isWide, std::int64_t length, std::size_t keepBytes);
+    CString& appendMoving(CStringView text);
     void writeUnits(int position, CStringView text) noexcept;
 
     void* m_data;

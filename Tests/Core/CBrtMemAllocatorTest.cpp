@@ -91,11 +91,42 @@ TEST(CBrtMemAllocator, countsLiveBlocksByClass) {
 }
 
 TEST(CBrtMemAllocator, servesZlib) {
-    void* block = CBrtMemAllocator::zlibAlloc(nullptr, 70000, 70000);  // beyond 32 bits
-    EXPECT_EQ(classByte(block), 255);
-    EXPECT_EQ(sizeOfHeapBlock(block), 70000ull * 70000ull);
+    void* block = CBrtMemAllocator::zlibAlloc(nullptr, 100, 30);
+    EXPECT_EQ(classByte(block), (3000 - 1) / 16);
     CBrtMemAllocator::zlibFree(nullptr, block);
     CBrtMemAllocator::zlibFree(nullptr, nullptr);
+}
+
+// A thread that ends leaves blocks behind for one that comes after it, and each counts only once.
+TEST(CBrtMemAllocator, shortLivedThreadsLoseNoBlocks) {
+    const std::int64_t before = CBrtMemAllocator::liveBlocks();
+    std::vector<void*> kept;
+    for (int i = 0; i < 40; ++i) {
+        std::thread([&] {
+            void* blocks[20];
+            for (void*& block : blocks) block = CBrtMemAllocator::alloc(64);
+            kept.push_back(blocks[0]);
+            for (int k = 1; k < 20; ++k) CBrtMemAllocator::free(blocks[k]);
+        }).join();
+    }
+    EXPECT_EQ(CBrtMemAllocator::liveBlocks(), before + 40);
+    for (void* block : kept) CBrtMemAllocator::free(block);
+    EXPECT_EQ(CBrtMemAllocator::liveBlocks(), before);
+}
+
+// More threads at once than the allocator has sets of magazines.
+TEST(CBrtMemAllocator, servesManyThreadsAtOnce) {
+    const std::int64_t before = CBrtMemAllocator::liveBlocks();
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 24; ++t) {
+        threads.emplace_back([] {
+            std::vector<void*> blocks;
+            for (int i = 0; i < 500; ++i) blocks.push_back(CBrtMemAllocator::alloc(48));
+            for (void* block : blocks) CBrtMemAllocator::free(block);
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(CBrtMemAllocator::liveBlocks(), before);
 }
 
 TEST(CBrtMemAllocatorDeathTest, aRefusedRequestEndsTheProcessWithOneLine) {
