@@ -8,7 +8,7 @@
 //     block - 10   offset from the raw allocation to here       big blocks only
 //     block -  9   size of the request, 8 bytes, unaligned      big blocks only
 //     block -  1   size class 0 to 254, or 255: a big block
-//     block        the user's bytes; the first 8 are the link while the block is free
+//     block        the user's bytes; while the block is free, the link of the list and that of its chain
 //
 // Each thread keeps a few blocks that it has freed for its own next requests (CMagazines.h); all others are shared by
 // all threads (CSizeClass.h). Builds with AddressSanitizer or ThreadSanitizer take every block from the system's heap,

@@ -5,7 +5,9 @@
 // Owner: the allocator holds a fixed number of sets for ever. A thread adopts one at its first request; threads beyond
 // that number use the shared lists alone. Nothing runs at the end of a thread (its set is found again by the next
 // thread whose thread-local data lies at the same address, as systems arrange when they reuse the stack), so a set
-// holds few blocks. Constant initialised, trivially destroyed. Threads: the owner, where no other is told.
+// holds few blocks. Constant initialised, trivially destroyed.
+//
+// Threads: the owner, where no other is told.
 #pragma once
 
 #include <algorithm>

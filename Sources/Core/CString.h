@@ -3,10 +3,13 @@
 //
 // A text is 8-bit (Latin-1) until something forces it wide: a wide source, or a code point above 255. In the 16-bit
 // form one unit is one code point up to U+FFFF; nothing forms surrogate pairs, but for paths on their way to the file
-// system. Invariants: `data` ends with a NUL unit and points at the inline buffer as long as text and terminator fit in
-// 31 bytes: 30 units of 8 bits, or 14 of 16. A text that has left the inline buffer stays outside; moving from it
-// starts it afresh. Operands may be the string itself, or parts of it. Owner: as any value; copies are deep. Threads:
-// one at a time.
+// system. Operands of all operations may be the string itself, or parts of it.
+//
+// Invariants: the text ends with a NUL unit, and stands in the inline buffer as long as it fits in 31 bytes with it: 30
+// units of 8 bits, or 14 of 16. A text that has left that buffer stays outside; but a move hands its place over and
+// leaves an empty text inside.
+//
+// Owner: as any value; copies are deep. Threads: one at a time.
 #pragma once
 
 #include <concepts>

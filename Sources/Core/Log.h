@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
-// The log: lines for developers. They go to a sink and to a file, both of which only a developer's build or a test
-// sets; without them a line is composed and dropped. Lines are UTF-8. Threads: any. Not for a steady block of the audio
-// thread.
+// The log: lines for developers, in UTF-8. They go to a sink and to a file, both of which only a developer's build or a
+// test sets; without them a line is composed and dropped.
+//
+// Threads: any, but for a steady block of the audio thread.
 #pragma once
 
 #include <string_view>

@@ -4,7 +4,9 @@
 // A place is "%", flags ("-" left, "0" zeros, "+" sign), width, "." and precision, and one letter: d i u for integers,
 // x X for hexadecimal, f for fixed point, s for text, p for addresses, c for a character; "%%" is one "%". Length
 // letters (l, z, ...) are skipped. An argument that doesn't suit its letter is written as what it is; one that is
-// missing gives nothing. The result is UTF-8. Threads: any.
+// missing gives nothing. The result is UTF-8.
+//
+// Threads: any.
 #pragma once
 
 #include <concepts>

@@ -28,6 +28,7 @@ void stopStores() {
 class CProcessTest : public testing::Test {
 protected:
     void SetUp() override {
+        stopProcess();  // what other tests have started
         s_stopped.clear();
         startProcess();
     }
