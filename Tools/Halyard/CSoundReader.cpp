@@ -2,6 +2,7 @@
 #include "Tools/Halyard/CSoundReader.h"
 
 #include <cmath>
+#include <mutex>
 #include <string>
 
 #include "Tools/Halyard/CProcessor.h"
@@ -35,8 +36,17 @@ void checkSource(const fs::path& path) {
 // libsndfile's own words, as a part of a sentence.
 std::string libraryReason(SNDFILE* file) {
     std::string text = sf_strerror(file);
+    if (text.starts_with("Error : ")) text.erase(0, 8);
     while (!text.empty() && (text.back() == '.' || text.back() == '\n')) text.pop_back();
     return text;
+}
+
+// REQUIRES: the library's mutex is held since the failure.
+[[noreturn]] void failOpening(const fs::path& path) {
+    const std::string reason = libraryReason(nullptr);
+    if (sf_error(nullptr) == SF_ERR_SYSTEM) failReading(path, reason + "; check who may read it");
+    failReading(path, "it is not a sound file that halyard reads (" + reason +
+                          "); give a WAV, FLAC, AIFF, CAF, W64 or RF64 file");
 }
 
 }  // namespace
@@ -44,12 +54,10 @@ std::string libraryReason(SNDFILE* file) {
 CSoundReader::CSoundReader(const fs::path& path) : m_path(path) {
     checkSource(path);
     SF_INFO info{};
-    m_file.reset(sf_open(path.string().c_str(), SFM_READ, &info));
-    if (!m_file) {
-        const int code = sf_error(nullptr);
-        if (code == SF_ERR_SYSTEM) failReading(path, libraryReason(nullptr) + "; check who may read it");
-        failReading(path, "it is no sound file that halyard knows (" + libraryReason(nullptr) +
-                              "); give a WAV, FLAC, AIFF, CAF, W64 or RF64 file");
+    {
+        const std::lock_guard lock(soundLibraryMutex());
+        m_file.reset(sf_open(path.string().c_str(), SFM_READ, &info));
+        if (!m_file) failOpening(path);
     }
     if (info.channels > ProcessorSettings::kMaxChannels)
         failReading(path, "it has " + std::to_string(info.channels) + " channels; halyard takes 1 to " +
@@ -66,8 +74,8 @@ int CSoundReader::read(CPlanarBuffer& buffer) {
     m_interleaved.resize(static_cast<std::size_t>(buffer.frameCount()) * static_cast<std::size_t>(channels));
     const auto count = static_cast<int>(sf_readf_double(m_file.get(), m_interleaved.data(), buffer.frameCount()));
     if (sf_error(m_file.get()) != SF_ERR_NO_ERROR)
-        failReading(m_path,
-                    libraryReason(m_file.get()) + " at frame " + std::to_string(m_position + count) + "; copy it anew");
+        failReading(m_path, "it is cut off or damaged at frame " + std::to_string(m_position + count) + " (" +
+                                libraryReason(m_file.get()) + "); copy it anew");
     m_position += count;
     if (count < buffer.frameCount() && m_position != m_frameCount)
         failReading(m_path, "it is cut off: " + std::to_string(m_position) + " of " + std::to_string(m_frameCount) +

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <mutex>
 #include <string>
 
 #include "Tools/Halyard/CSoundReader.h"
@@ -57,9 +58,12 @@ CSoundWriter::CSoundWriter(const std::filesystem::path& path, const SoundFormat&
     info.channels = format.channelCount;
     info.samplerate = format.rateHz;
     SF_VIRTUAL_IO io = pendingFileIo();
-    m_file.reset(sf_open_virtual(&io, SFM_WRITE, &info, &m_pending));
-    m_pending.throwIfFailed();
-    if (!m_file) throw CToolError("cannot write " + quoted(path) + ": " + sf_strerror(nullptr));
+    {
+        const std::lock_guard lock(soundLibraryMutex());
+        m_file.reset(sf_open_virtual(&io, SFM_WRITE, &info, &m_pending));
+        m_pending.throwIfFailed();
+        if (!m_file) throw CToolError("cannot write " + quoted(path) + ": " + sf_strerror(nullptr));
+    }
     // The chunk with the peaks carries the time of day.
     sf_command(m_file.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
 }

@@ -27,7 +27,7 @@ CLI::Validator numberBetween(double from, double to, const std::string& unit) {
         if (error == std::errc() && stop == end && std::isfinite(value) && value >= from && value <= to) return {};
         return "'" + text + "' is no number from " + range;
     };
-    return CLI::Validator(check, range);
+    return CLI::Validator(check, "");
 }
 
 CLI::Validator wholeBetween(int from, int to, const std::string& unit) {
@@ -38,7 +38,7 @@ CLI::Validator wholeBetween(int from, int to, const std::string& unit) {
         if (error == std::errc() && stop == text.data() + text.size() && value >= from && value <= to) return {};
         return "'" + text + "' is no whole number from " + range;
     };
-    return CLI::Validator(check, range);
+    return CLI::Validator(check, "");
 }
 
 CLI::Validator oneOf(const std::vector<std::string>& names) {
@@ -48,20 +48,20 @@ CLI::Validator oneOf(const std::vector<std::string>& names) {
         if (std::find(names.begin(), names.end(), text) != names.end()) return {};
         return "'" + text + "' is none of " + list;
     };
-    return CLI::Validator(check, list);
+    return CLI::Validator(check, "");
 }
 
 void addSettings(CLI::App& command, ProcessorSettings& settings) {
-    command.add_option("--gain", settings.inputGainDb, "Input gain in dB, in front of the clipper (0)")
+    command.add_option("--gain", settings.inputGainDb, "Gain in front of the clipper, 0 to 24 dB (0)")
         ->check(numberBetween(0, ProcessorSettings::kMaxInputGainDb, "dB"))
         ->type_name("DB");
-    command.add_option("--hardness", settings.hardnessPercent, "From 0, smooth saturation, to 100, brick wall (100)")
+    command.add_option("--hardness", settings.hardnessPercent, "0, smooth saturation, to 100, brick wall (100)")
         ->check(numberBetween(0, 100, "%"))
         ->type_name("PERCENT");
-    command.add_option("--out-gain", settings.outputGainDb, "Output gain in dB, behind the clipper (0)")
+    command.add_option("--out-gain", settings.outputGainDb, "Gain behind the clipper, -24 to 0 dB (0)")
         ->check(numberBetween(ProcessorSettings::kMinOutputGainDb, 0, "dB"))
         ->type_name("DB");
-    command.add_flag("--residue", settings.residue, "Put out what the clipper removes instead of what it leaves");
+    command.add_flag("--residue", settings.residue, "Put out what the clipper removes, not what it leaves");
 }
 
 template <class T>
@@ -71,37 +71,32 @@ void addForce(CLI::App& command, T& mayReplace) {
 
 void addRender(CLI::App& app, RenderRequest& request, std::string& sampleFormat) {
     CLI::App& command = *app.add_subcommand("render", "Send sound files through the clipper");
-    command.add_option("files", request.files, "The input and the output; with --out-dir inputs only")
-        ->required()
-        ->type_name("FILE...");
+    command.add_option("files", request.files, "The input and the output; with --out-dir inputs only")->type_name("");
     addSettings(command, request.common.settings);
-    command.add_option("--format", sampleFormat, "Samples of the output (those of the input)")
+    command.add_option("--format", sampleFormat, "8, 16, 24, 32, float or double (that of the input)")
         ->check(oneOf(sampleFormatNames()))
         ->type_name("FORMAT");
-    command.add_option("--out-dir", request.outputFolder, "Write each output into this folder, under its input's name")
+    command.add_option("--out-dir", request.outputFolder, "Folder for the outputs, named as their inputs")
         ->type_name("FOLDER");
-    command.add_option("-j,--jobs", request.jobCount, "Files worked on at a time (as many as there are processors)")
+    command.add_option("-j,--jobs", request.jobCount, "Files worked on at a time (one on each processor)")
         ->check(wholeBetween(1, kMaxJobs, ""))
         ->type_name("N");
-    CLI::Option* residueOut =
-        command
-            .add_option("--residue-out", request.common.residueOutput,
-                        "Write what the clipper removes beside the output: output less residue is the unclipped sound")
-            ->type_name("FILE");
-    residueOut->excludes(command.get_option("--residue"));
+    command
+        .add_option("--residue-out", request.common.residueOutput, "Write what the clipper removes, beside the output")
+        ->type_name("FILE");
     command.add_option("--plot", request.common.picture, "Draw waves, transfer curve and spectra")->type_name("PNG");
-    command.add_flag("--keep-latency", request.common.keepLatency,
-                     "Let the output start late, and end late, by the latency of 1667 frames");
+    command.add_flag("--keep-latency", request.common.keepLatency, "Let the output start and end late, by 1667 frames");
     command
         .add_option("--block", request.common.settings.blockFrames,
-                    "Frames that the clipper gets at a time; the sound doesn't depend on it (512)")
+                    "Frames the clipper gets at a time, 1 to 8192 (512)")
         ->check(wholeBetween(1, ProcessorSettings::kMaxBlockFrames, ""))
         ->type_name("N");
     addForce(command, request.common.mayReplace);
-    command.footer(R"(
-The output lines up with the input and has its length. Its name's ending chooses the file type: .wav, .flac, .aiff,
+    command.footer(
+        R"(The output lines up with the input and has its length. Its name's ending chooses the file type: .wav, .flac, .aiff,
 .caf, .w64 or .rf64. Integer samples (8, 16, 24, 32) are rounded without dither, and cut above full scale; the summary
-tells how many. The residue file is 32-bit float, or 64-bit if the output is, as it can stand above full scale.
+tells how many. Output less residue is the unclipped sound; the residue is written as 32-bit float, or 64-bit if the
+output is, since it can stand above full scale. The size of --block changes the speed and never the sound.
 
 Examples:
   halyard render mix.wav loud.wav --gain 6 --out-gain -1
@@ -115,8 +110,7 @@ void addPlot(CLI::App& app, PlotRequest& request) {
     command.add_option("output", request.output, "The picture, PNG")->required()->type_name("PNG");
     addSettings(command, request.settings);
     addForce(command, request.mayReplace);
-    command.footer(R"(
-Shows the wave around the loudest sample, the transfer curve, and the spectra before and after.
+    command.footer(R"(Shows the wave around the loudest sample, the transfer curve, and the spectra before and after.
 
 Example:
   halyard plot mix.wav mix.png --gain 6 --hardness 80)");
@@ -125,14 +119,14 @@ Example:
 void addMeasure(CLI::App& app, MeasureRequest& request) {
     CLI::App& command = *app.add_subcommand("measure", "Measure what the chain does on this machine");
     command.add_flag("--json", request.asJson, "Print JSON instead of tables");
-    command.add_option("--rate", request.ratesHz, "Sample rates for the tables of images and cost (48000)")
+    command.add_option("--rate", request.ratesHz, "Sample rates of the tables, 8000 to 768000 Hz (48000)")
         ->check(wholeBetween(MeasureRequest::kMinRateHz, MeasureRequest::kMaxRateHz, "Hz"))
         ->type_name("HZ");
     command.add_option("--plot", request.picture, "Draw the frequency response and a clipped sine's lines")
         ->type_name("PNG");
     addForce(command, request.mayReplace);
-    command.footer(R"(
-Everything is found by sending signals through the chain; nothing is printed from a list of promises.
+    command.footer(
+        R"(Everything is found by sending signals through the chain; nothing is printed from a list of promises.
 HALYARD_BUILD=portable|baseline|avx2|avx512 in the environment chooses the build that is measured.
 
 Examples:
@@ -143,23 +137,34 @@ Examples:
 void addDemoSignal(CLI::App& app, DemoSignalRequest& request) {
     CLI::App& command = *app.add_subcommand("demo-signal", "Write ten seconds of music to try the clipper on");
     command.add_option("output", request.output, "The sound file")->required()->type_name("FILE");
-    command.add_option("--rate", request.rateHz, "Sample rate (48000)")
+    command.add_option("--rate", request.rateHz, "Sample rate, 22050 to 384000 Hz (48000)")
         ->check(wholeBetween(DemoSignalRequest::kMinRateHz, DemoSignalRequest::kMaxRateHz, "Hz"))
         ->type_name("HZ");
     addForce(command, request.mayReplace);
-    command.footer("\nExample:\n  halyard demo-signal music.wav");
+    command.footer("Example:\n  halyard demo-signal music.wav");
 }
 
-// The library's text as one line with the command in front and the way to help behind it.
-std::string oneLine(const CLI::App& app, const CLI::ParseError& error) {
-    const auto chosen = app.get_subcommands();
-    const std::string command = chosen.empty() ? "" : chosen.front()->get_name();
+// The library's words for what is wrong with a command's options.
+std::string reasonOf(const CLI::ParseError& error) {
     std::string text = error.what();
+    const bool lacksValue = error.get_name() == "ArgumentMismatch" && text.ends_with("missing");
+    if (lacksValue) text = text.substr(0, text.find(':')) + ": a value is missing";
     for (char& c : text)
         if (static_cast<unsigned char>(c) < 0x20) c = ' ';
-    while (!text.empty() && text.back() == ' ') text.pop_back();
-    return (command.empty() ? "" : command + ": ") + text + "; see 'halyard " + (command.empty() ? "" : command + " ") +
-           "--help'";
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text;
+}
+
+// One line: the command, what is wrong with it, and the way to help.
+std::string oneLine(const CLI::App& app, const CLI::ParseError& error, const std::string& firstArgument) {
+    const auto chosen = app.get_subcommands();
+    if (!chosen.empty()) {
+        const std::string command = chosen.front()->get_name();
+        return command + ": " + reasonOf(error) + "; see 'halyard " + command + " --help'";
+    }
+    const std::string wrong =
+        firstArgument.empty() ? "no command is given" : brt::quoted(firstArgument) + " is no command";
+    return wrong + "; use render, plot, measure or demo-signal, and see 'halyard --help'";
 }
 
 }  // namespace
@@ -174,13 +179,12 @@ Request parseCommandLine(int argumentCount, const char* const* arguments) {
     CLI::App app("Halyard: a clipper for mastering that runs at 128 times the sample rate.", "halyard");
     app.set_version_flag("--version", "halyard " HALYARD_VERSION);
     app.require_subcommand(1);
-    app.get_formatter()->column_width(34);
+    app.get_formatter()->column_width(28);
     addRender(app, render, sampleFormat);
     addPlot(app, plot);
     addMeasure(app, measure);
     addDemoSignal(app, demoSignal);
-    app.footer(R"(
-Each command explains itself: halyard render --help
+    app.footer(R"(Each command explains itself: halyard render --help
 
 Example:
   halyard render mix.wav loud.wav --gain 6 --out-gain -1)");
@@ -194,7 +198,7 @@ Example:
     } catch (const CLI::CallForAllHelp&) {
         return TextRequest{app.help("", CLI::AppFormatMode::All)};
     } catch (const CLI::ParseError& error) {
-        throw CUsageError(oneLine(app, error));
+        throw CUsageError(oneLine(app, error, argumentCount > 1 ? arguments[1] : ""));
     }
     if (!sampleFormat.empty()) render.common.sampleFormat = sampleFormatOfName(sampleFormat);
     const std::string command = app.get_subcommands().front()->get_name();

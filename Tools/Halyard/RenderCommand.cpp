@@ -26,16 +26,18 @@ namespace {
 namespace fs = std::filesystem;
 
 std::vector<RenderJob> jobsOf(const RenderRequest& request) {
+    if (request.common.settings.residue && request.common.residueOutput)
+        throw CUsageError("render: with --residue the output is the residue; leave out that or --residue-out");
     std::vector<RenderJob> jobs;
     if (!request.outputFolder) {
         if (request.files.size() != 2)
-            throw CUsageError(
-                "render: takes one input and one output; name a folder with --out-dir for several inputs");
+            throw CUsageError("render: name one input and one output, or several inputs and a folder for --out-dir");
         jobs.push_back(request.common);
         jobs.back().input = request.files[0];
         jobs.back().output = request.files[1];
         return jobs;
     }
+    if (request.files.empty()) throw CUsageError("render: no input is named; see 'halyard render --help'");
     if (request.common.residueOutput || request.common.picture)
         throw CUsageError("render: --residue-out and --plot take one input; leave out --out-dir and name the output");
     std::error_code ignored;
@@ -79,6 +81,9 @@ void checkPaths(const std::vector<RenderJob>& jobs) {
                 throw CToolError("cannot write " + quoted(output) + ": it is an input; choose another name or folder");
             checkDestination(output, job.mayReplace);
             const auto [other, isNew] = sourceOfOutput.emplace(canonicalName(output), job.input);
+            if (!isNew && other->second == job.input)
+                throw CToolError("cannot write " + quoted(output) + " twice; give each output of " + quoted(job.input) +
+                                 " a name of its own");
             if (!isNew)
                 throw CToolError("cannot write " + quoted(output) + " twice, from " + quoted(other->second) + " and " +
                                  quoted(job.input) + "; rename one, or render them apart");

@@ -170,4 +170,9 @@ void settleContainer(SoundFormat& format, std::int64_t frameCount, const std::fi
                          std::to_string(format.rateHz) + " Hz; " + adviceFor(format));
 }
 
+std::mutex& soundLibraryMutex() {
+    static constinit std::mutex mutex;
+    return mutex;
+}
+
 }  // namespace brt

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -49,5 +50,8 @@ std::string containerName(int container);
 // Adapts a plain WAV to its content: the extensible header for more than two channels, RF64 where `frameCount` frames
 // would not fit into 4 GiB. Throws CToolError, which names `path`, if the container can't hold the sound.
 void settleContainer(SoundFormat& format, std::int64_t frameCount, const std::filesystem::path& path);
+
+// libsndfile keeps the reason why a file could not be opened in one place for all threads: held while a file is opened.
+std::mutex& soundLibraryMutex();
 
 }  // namespace brt

@@ -12,17 +12,21 @@ void addLine(std::string& text, const std::string& name, const std::string& cont
     text += "  " + name + std::string(name.size() < 12 ? 12 - name.size() : 1, ' ') + content + "\n";
 }
 
-std::string samples(std::int64_t count) { return groupedDigits(count) + (count == 1 ? " sample" : " samples"); }
+std::string counted(std::int64_t count, const std::string& thing) {
+    return groupedDigits(count) + " " + thing + (count == 1 ? "" : "s");
+}
+
+std::string samples(std::int64_t count) { return counted(count, "sample"); }
 
 std::string decibels(double factor) { return formatFixed(factorToDb(factor), 2) + " dBFS"; }
 
 std::string formatLine(const RenderSummary& s) {
     const SoundFormat& in = s.inputFormat;
     const SoundFormat& out = s.outputFormat;
-    std::string text = std::to_string(in.rateHz) + " Hz, " + std::to_string(in.channelCount) +
-                       (in.channelCount == 1 ? " channel, " : " channels, ") + describe(in.sample);
+    std::string text =
+        std::to_string(in.rateHz) + " Hz, " + counted(in.channelCount, "channel") + ", " + describe(in.sample);
     if (out.sample != in.sample) text += " to " + describe(out.sample);
-    return text + ", " + timeText(s.inputFrames, in.rateHz) + " (" + groupedDigits(s.inputFrames) + " frames)";
+    return text + ", " + timeText(s.inputFrames, in.rateHz) + " (" + counted(s.inputFrames, "frame") + ")";
 }
 
 std::string clippedLine(const RenderSummary& s) {
@@ -77,7 +81,7 @@ std::string summaryText(const RenderJob& job, const RenderSummary& s) {
     if (job.picture) addLine(text, "picture", quoted(*job.picture));
     if (job.keepLatency)
         addLine(text, "latency",
-                "kept: the output is " + groupedDigits(s.outputFrames - s.inputFrames) + " frames late, and longer");
+                "kept: the output starts and ends " + counted(s.outputFrames - s.inputFrames, "frame") + " late");
     if (s.nonFiniteSamples)
         addLine(text, "invalid", samples(s.nonFiniteSamples) + " of the input: no finite number, taken as silence");
     const double soundSeconds = static_cast<double>(s.inputFrames) / s.inputFormat.rateHz;
