@@ -59,9 +59,9 @@ std::vector<AliasRow> measureAliases(int rateHz);
 
 struct CostMeasurement {
     double hardnessPercent;
-    double nanosecondsPerSample;   // of one channel in blocks of 512; median
+    double nanosecondsPerSample;   // of one channel in blocks of 512
     double meanCallMicroseconds;   // of 64 frames
-    double worstCallMicroseconds;  // of the calls' own medians, by their place in the filters' period, the largest
+    double worstCallMicroseconds;  // the dearest place in the period of the long filters
 
     double channelsInRealTime(double rateHz) const { return 1e9 / (nanosecondsPerSample * rateHz); }
 };

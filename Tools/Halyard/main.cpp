@@ -2,13 +2,27 @@
 // The program `halyard`. Exit status: 0 done; 1 something failed, and one line on standard error tells what; 2 the
 // command line is wrong; 128 plus the signal's number after an interruption.
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
+#include <string>
 
+#include "Core/CProcess.h"
+#include "Modules/ProcessorBuild.h"
 #include "Tools/Halyard/CommandLine.h"
 #include "Tools/Halyard/Interrupt.h"
 #include "Tools/Halyard/ToolError.h"
 
 namespace {
+
+brt::CProcessLifetime g_lifetime;
+
+// Whoever asks for a certain build wants to hear that build, and not another without a word.
+void checkProcessorBuild() {
+    const char* wanted = std::getenv("HALYARD_BUILD");
+    if (wanted && *wanted != '\0' && std::string(wanted) != brt::processorBuildName(brt::processorBuild()))
+        throw brt::CUsageError("HALYARD_BUILD=" + std::string(wanted) +
+                               ": this machine has no such processor build; use portable, baseline, avx2 or avx512");
+}
 
 struct Runner {
     int operator()(const brt::TextRequest& request) const {
@@ -31,7 +45,10 @@ int fail(int status, const char* text) {
 int main(int argumentCount, char** arguments) {
     try {
         brt::installSignalHandlers();
-        return std::visit(Runner(), brt::parseCommandLine(argumentCount, arguments));
+        const brt::CProcessInstance instance;
+        const brt::Request request = brt::parseCommandLine(argumentCount, arguments);
+        if (!std::holds_alternative<brt::TextRequest>(request)) checkProcessorBuild();
+        return std::visit(Runner(), request);
     } catch (const brt::CInterrupted& error) {
         return fail(128 + brt::interruptSignal(), error.what());
     } catch (const brt::CUsageError& error) {
