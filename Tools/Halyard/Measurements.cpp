@@ -82,7 +82,9 @@ double mean(const std::vector<double>& values) {
 // the meantime falls out.
 std::vector<double> callMedians(double hardnessPercent, int callFrames) {
     constexpr int kCallsPerPeriod = 39;
-    constexpr int kRounds = 25;
+    constexpr int kLeastRounds = 5;
+    constexpr int kMostRounds = 25;
+    constexpr auto kTimeLimit = std::chrono::milliseconds(500);
     using Clock = std::chrono::steady_clock;
 
     CProcessor processor(1, {.hardnessPercent = hardnessPercent});
@@ -90,7 +92,8 @@ std::vector<double> callMedians(double hardnessPercent, int callFrames) {
     for (std::size_t i = 0; i < input.size(); ++i) input[i] = 1.6 * std::sin(0.19 * static_cast<double>(i));
     std::vector<double> output(input.size());
     std::vector<std::vector<double>> durations(kCallsPerPeriod);
-    for (int round = 0; round < kRounds; ++round) {
+    const Clock::time_point end = Clock::now() + kTimeLimit;
+    for (int round = 0; round < kLeastRounds || (round < kMostRounds && Clock::now() < end); ++round) {
         throwIfInterrupted();
         const double* in = input.data();
         double* out = output.data();
