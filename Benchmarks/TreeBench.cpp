@@ -161,6 +161,10 @@ double bytesHeld() {
     return bytes;
 }
 
+// What an element should hold: the object itself, its place in the parent's table of names, eleven attributes of 176
+// bytes with their names, and the one text that is too long to lie within its string.
+constexpr double kRightBytesPerElement = 320 + 176 + 11 * 176 + 160;
+
 void memory(benchmark::State& state) {
     startApplication();
     const double before = bytesHeld();
@@ -168,6 +172,7 @@ void memory(benchmark::State& state) {
     const double held = bytesHeld() - before;
     for (auto _ : state) benchmark::DoNotOptimize(root);
     state.counters["bytes_per_element"] = held / kElements;
+    state.counters["right_bytes"] = kRightBytesPerElement;
     CObject::release(root);
 }
 BENCHMARK(memory)->Name("tree/memory");

@@ -46,7 +46,7 @@ public:
     [[nodiscard]] CError* open(CPosInputStream& stream, CStringView name);
 
     // REQUIRES: an index out of this document.
-    const CString& string(int index) const noexcept { return m_strings[index]; }
+    const CString& string(int index) const noexcept { return m_strings[static_cast<std::size_t>(index)]; }
     int stringCount() const noexcept { return m_stringCount; }
 
     // At the attributes of the root, or of the element that takes up `length` bytes at `position`.

@@ -33,6 +33,7 @@ class CDocument;
 class CDocumentCursor;
 class CObjectContext;
 class CObjectLinks;
+class CPosInputStream;
 class CTemplateRecord;
 
 // When the handler of an assigned attribute runs.
@@ -132,6 +133,8 @@ public:
 
     // Builds the elements of a compiled document, a resource or else a file, into this object.
     [[nodiscard]] CError* loadXMLData(CStringView name, ERootStages stages);
+    // The same from an open stream; `name` is for messages.
+    [[nodiscard]] CError* loadDocument(CPosInputStream& stream, CStringView name, ERootStages stages);
 
     // Events. A subscription is by the sender's full name, whether it exists yet or not.
     void listenObject(CStringView senderFullName, CStringView eventName, CStringView handlerName);

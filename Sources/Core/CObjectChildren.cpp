@@ -172,12 +172,14 @@ CError* CObject::createChildOfClass(CObject*& child, CStringView tag, CStringVie
     child = made;
     BRT_TRY(getFullName(), error);
 
-    made->m_overrides = overrides;
     if (attrs) {
         for (const auto& [attrName, value] : *attrs)
             BRT_TRY(getFullName(), made->setAttrValue(attrName, value, kDeferred));
     }
-    BRT_TRY(getFullName(), made->runStages());
+    made->m_overrides = overrides;
+    CError* const failure = made->runStages();
+    made->m_overrides = nullptr;  // where a stage failed ahead of the base's: they belong to the caller
+    BRT_TRY(getFullName(), failure);
     return nullptr;
 }
 

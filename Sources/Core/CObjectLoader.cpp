@@ -15,20 +15,7 @@ CError* CObject::loadXMLData(CStringView name, ERootStages stages) {
     const double begin = secondsSinceOrigin();
     CResourceReader reader;
     BRT_TRY(getFullName(), reader.open(name));
-    const CRef<CDocument> document(new CDocument);
-    BRT_TRY(getFullName(), document->open(reader, name));
-
-    CDocumentCursor cursor = document->root();
-    BRT_TRY(getFullName(), loadAttributes(*document, cursor));
-    if (stages == kInitRoot) {
-        BRT_TRY(getFullName(), init());
-        BRT_TRY(getFullName(), initChilds());
-    }
-    BRT_TRY(getFullName(), loadChildren(*document, cursor));
-    if (stages == kInitRoot) {
-        BRT_TRY(getFullName(), initDone());
-        m_state = kComplete;
-    }
+    BRT_TRY(getFullName(), loadDocument(reader, name, stages));
 
     const double end = secondsSinceOrigin();
     const CStringView fullName = getFullName();
@@ -36,6 +23,16 @@ CError* CObject::loadXMLData(CStringView name, ERootStages stages) {
         logLine("loadXMLData \"%s\" init time: %.4f s @ %.4f s", name, end - begin, end);
     else
         logLine("loadXMLData \"%s\" init time: %.4f s @ %.4f s // %s", name, end - begin, end, fullName);
+    return nullptr;
+}
+
+CError* CObject::loadDocument(CPosInputStream& stream, CStringView name, ERootStages stages) {
+    const CRef<CDocument> document(new CDocument);
+    BRT_TRY(getFullName(), document->open(stream, name));
+    CDocumentCursor cursor = document->root();
+    if (stages == kInitRoot) return loadElement(*document, cursor);
+    BRT_TRY(getFullName(), loadAttributes(*document, cursor));
+    BRT_TRY(getFullName(), loadChildren(*document, cursor));
     return nullptr;
 }
 

@@ -2,7 +2,8 @@
 // Compiled documents: what is written reads back, and damage of any kind is told with its place.
 #include "Core/CDocument.h"
 
-#include <random>
+#include <functional>
+#include <utility>
 
 #include "Core/CMemoryReader.h"
 #include "TreeFixture.h"
@@ -208,7 +209,7 @@ TEST(CDocument, isNestedNoDeeperThan64ThroughTemplatesToo) {
     EXPECT_EQ(opened(bytes), damaged(kTree + 64 * 9 + 5, "elements are nested too deep"));
 }
 
-TEST(CDocument, everyPrefixAndEveryFlippedByteIsSurvived) {
+TEST(CDocument, everyPrefixAndEveryFlippedBitIsSurvived) {
     const Bytes good = written([](CDocumentWriter& writer) {
         writer.attribute("one", "1");
         writer.beginElement("test:probe", "a");
@@ -223,19 +224,18 @@ TEST(CDocument, everyPrefixAndEveryFlippedByteIsSurvived) {
     for (std::size_t size = 0; size < good.size(); ++size)
         EXPECT_NE(opened(Bytes(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size))), "") << size;
     for (std::size_t i = 0; i < good.size(); ++i) {
-        for (int value = 0; value < 256; ++value) {
+        for (const int change : {0x01, 0x02, 0x04, 0x08, 0x10, 0x20, 0x40, 0x80, 0xFF}) {
             Bytes bad = good;
-            bad[i] = static_cast<std::uint8_t>(value);
+            bad[i] = static_cast<std::uint8_t>(bad[i] ^ change);
             opened(bad);  // whatever it says, under the sanitizers
         }
     }
 }
 
 TEST(CDocumentWriter, refusesWhatTheFormCannotHold) {
-    const auto writeMany = [](int attributes, int children, int strings) {
+    const auto writeMany = [](int attributes, int children) {
         CDocumentWriter writer;
         for (int i = 0; i < attributes; ++i) writer.attribute("a", "b");
-        for (int i = 0; i < strings; ++i) writer.attribute(std::to_string(i), "");
         for (int i = 0; i < children; ++i) {
             writer.beginElement("x", "");
             writer.endElement();
@@ -244,17 +244,16 @@ TEST(CDocumentWriter, refusesWhatTheFormCannotHold) {
         const std::string message = messageOf(writer.finish(bytes));
         return message.empty() ? opened(bytes) : message;
     };
-    EXPECT_EQ(writeMany(65535, 0, 0), "");
-    EXPECT_EQ(writeMany(65536, 0, 0), "A document can't be written: an element has more than 65535 attributes.");
-    EXPECT_EQ(writeMany(0, 65535, 0), "");
-    EXPECT_EQ(writeMany(0, 65536, 0), "A document can't be written: an element has more than 65535 children.");
-    EXPECT_EQ(writeMany(0, 0, 65535), "");
+    EXPECT_EQ(writeMany(65535, 65535), "");
+    EXPECT_EQ(writeMany(65536, 0), "A document can't be written: an element has more than 65535 attributes.");
+    EXPECT_EQ(writeMany(0, 65536), "A document can't be written: an element has more than 65535 children.");
+
     CDocumentWriter writer;
-    for (int element = 0; element < 3; ++element) {
-        writer.beginElement("", "");
-        for (int i = 0; i < 30000; ++i) writer.attribute(std::to_string(30000 * element + i), "");
-        writer.endElement();
+    for (int i = 0; i < 40000; ++i) {
+        if (i == 20000) writer.beginElement("", "");
+        writer.attribute(std::to_string(2 * i), std::to_string(2 * i + 1));
     }
+    writer.endElement();
     Bytes bytes;
     EXPECT_EQ(messageOf(writer.finish(bytes)),
               "A document can't be written: it has more than 65536 different strings.");
