@@ -105,9 +105,9 @@ public:
     // empty name, nothing happens. "full-name" belongs to the tree: assigning it fails.
     [[nodiscard]] CError* setAttr(CStringView name, CStringView text, ETiming timing);
     [[nodiscard]] CError* setAttrRaw(CStringView name, CStringView text, ETiming timing);
-    [[nodiscard]] CError* setAttrValue(CStringView name, const CAttrValue& value, ETiming timing);
+    [[nodiscard]] CError* setAttrValue(CStringView name, const CAttrValue& source, ETiming timing);
     [[nodiscard]] CError* setAttrPointer(CStringView name, void* pointer, ETiming timing);
-    [[nodiscard]] CError* setAttrDouble(CStringView name, double value, ETiming timing);
+    [[nodiscard]] CError* setAttrDouble(CStringView name, double number, ETiming timing);
 
     // Paths. Null where a step leads nowhere.
     CObject* findObject(CStringView path) const;

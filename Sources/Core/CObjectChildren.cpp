@@ -170,7 +170,7 @@ CError* CObject::createChildOfClass(CObject*& child, CStringView tag, CStringVie
             tag, name);
     }
     child = made;
-    BRT_TRY(getFullName(), error);
+    if (error || !made) return makeError(error, __FILE__, __LINE__, getFullName(), "");
 
     if (attrs) {
         for (const auto& [attrName, value] : *attrs)

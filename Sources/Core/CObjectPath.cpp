@@ -33,10 +33,10 @@ int CObject::walkPath(CStringView path, CObject*& reached) const {
     } else if (path.startsWith(kSharedPrefix)) {
         reached = CApplication::sharedObject();
         start = kSharedPrefix.length();
-        if (!reached) return 0;
     } else {
         reached = m_root;
     }
+    if (!reached) return 0;
     for (int at = start; at <= path.length(); ++at) {
         const char16_t unit = at < path.length() ? path[at] : u'.';  // the end closes a step as a point does
         if (unit == u'/') {
