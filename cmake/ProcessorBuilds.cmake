@@ -33,7 +33,10 @@ function(brt_processor_builds target)
                 -DBRT_BUILD=${build} ${BRT_BUILD_FLAGS_${build}}
                 -O3 -fno-exceptions -fno-rtti
                 # No flag that changes a result: without these two, a root or a comparison could not be a vector's.
-                -fno-math-errno -fno-trapping-math)
+                -fno-math-errno -fno-trapping-math
+                # Checks of every operation make minutes of compile time out of unrolled loops. Bounds stay checked, by
+                # AddressSanitizer; a channel belongs to one thread.
+                -fno-sanitize=undefined,thread)
             target_sources(${target} PRIVATE $<TARGET_OBJECTS:${objects}>)
             set_property(GLOBAL APPEND PROPERTY BRT_BUILD_OBJECTS ${objects})
         endif()
