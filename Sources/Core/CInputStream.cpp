@@ -38,7 +38,7 @@ std::int64_t CInputStream::getBytesLeft() { return kUnknownBytesLeft; }
 
 CError* CInputStream::readString(CString& result) {
     result.clear();
-    std::uint8_t header[4];
+    std::uint8_t header[4] = {};
     BRT_TRY("", read(header, sizeof header));
     const int size = static_cast<std::int32_t>(loadLittleEndian32(header));
     if (size > kLongestStoredStringBytes) {

@@ -34,7 +34,7 @@ std::uint32_t checkOf(const std::uint8_t* bytes, int count) noexcept {
 // Reads the tag, then `sizesBytes` bytes of sizes and their check. The messages tell expected (%1) and found (%2).
 CError* readHeader(CInputStream& stream, std::uint32_t tag, std::uint8_t* sizes, int sizesBytes,
                    CStringView wrongTagMessage, CStringView wrongCheckMessage) {
-    std::uint8_t number[4];
+    std::uint8_t number[4] = {};
     BRT_TRY("", stream.read(number, sizeof number));
     const std::uint32_t foundTag = loadLittleEndian32(number);
     if (foundTag != tag) return makeError(nullptr, __FILE__, __LINE__, "", wrongTagMessage, tag, foundTag);
@@ -72,7 +72,7 @@ CError* makeRoom(CByteBuffer& buffer, std::uint32_t size, std::int64_t mostBytes
 }
 
 CError* readZlib(CInputStream& stream, CByteBuffer& buffer, std::uint32_t tag, int limitBytes) {
-    std::uint8_t sizes[4];
+    std::uint8_t sizes[4] = {};
     BRT_TRY("", readHeader(stream, tag, sizes, sizeof sizes,
                            "@brtstr_CInputStream_readCompressedData_InvalidData Invalid ID encountered when reading "
                            "compressed data (expected %1, read %2).",
@@ -90,7 +90,7 @@ CError* readZlib(CInputStream& stream, CByteBuffer& buffer, std::uint32_t tag, i
 }
 
 CError* readLz4(CInputStream& stream, CByteBuffer& buffer, std::uint32_t tag, int limitBytes) {
-    std::uint8_t sizes[8];
+    std::uint8_t sizes[8] = {};
     BRT_TRY("", readHeader(stream, tag, sizes, sizeof sizes,
                            "@brtstr_CInputStream_readCompressedDataLZ4_InvalidData Invalid ID encountered when reading "
                            "compressed data (expected %1, read %2).",
