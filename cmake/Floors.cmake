@@ -18,7 +18,7 @@ function(brt_test name)
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/Tests)
     target_link_libraries(${name} PRIVATE ${arg_USES} brt_flags GTest::gmock GTest::gtest_main)
     # What stands on the foundation must leave it as it found it.
-    if(NOT "${arg_USES}" MATCHES "^(brt_platform|${CMAKE_DL_LIBS}|)$")
+    if("${arg_USES}" MATCHES "brt_core|brt_audio|brt_other|brt_ui|halyard")
         target_sources(${name} PRIVATE ${CMAKE_SOURCE_DIR}/Tests/ProcessEnvironment.cpp)
     endif()
     if(arg_DEPENDS_ON)
