@@ -21,7 +21,8 @@ class CSmallArray {
     static_assert(alignof(T) <= 16, "blocks are aligned to 16");
 
 public:
-    static constexpr int kInlineCapacity = static_cast<int>(64 / sizeof(T));
+    static constexpr std::size_t kElementBytes = sizeof(T);  // NOLINT(bugprone-sizeof-expression): also of a pointer
+    static constexpr int kInlineCapacity = static_cast<int>(64 / kElementBytes);
 
     CSmallArray() noexcept {}
     ~CSmallArray() {
@@ -64,7 +65,7 @@ public:
     void insertAt(int index, T value) {
         BRT_ASSERT(index >= 0 && index <= m_count);
         if (m_count >= m_capacity) grow();
-        std::memmove(m_data + index + 1, m_data + index, static_cast<std::size_t>(m_count - index) * sizeof(T));
+        std::memmove(m_data + index + 1, m_data + index, static_cast<std::size_t>(m_count - index) * kElementBytes);
         m_data[index] = value;
         ++m_count;
     }
@@ -73,7 +74,7 @@ public:
     void removeAt(int index) noexcept {
         BRT_ASSERT(isIndex(index));
         --m_count;
-        std::memmove(m_data + index, m_data + index + 1, static_cast<std::size_t>(m_count - index) * sizeof(T));
+        std::memmove(m_data + index, m_data + index + 1, static_cast<std::size_t>(m_count - index) * kElementBytes);
     }
 
     // Index of the first element equal to `value`; -1 if there is none.
@@ -88,7 +89,8 @@ public:
     void setCount(int count) {
         reserve(count);
         if (count > m_count)
-            std::memset(static_cast<void*>(m_data + m_count), 0, static_cast<std::size_t>(count - m_count) * sizeof(T));
+            std::memset(static_cast<void*>(m_data + m_count), 0,
+                        static_cast<std::size_t>(count - m_count) * kElementBytes);
         m_count = count;
     }
 
@@ -98,7 +100,7 @@ public:
     void assign(const CSmallArray& other) {
         reserve(other.m_count);
         m_count = other.m_count;
-        if (m_count > 0) std::memmove(m_data, other.m_data, static_cast<std::size_t>(m_count) * sizeof(T));
+        if (m_count > 0) std::memmove(m_data, other.m_data, static_cast<std::size_t>(m_count) * kElementBytes);
     }
 
 private:
@@ -121,14 +123,14 @@ private:
 template <class T>
 void CSmallArray<T>::reserve(int capacity) {
     if (capacity <= m_capacity) return;
-    const std::size_t bytes = static_cast<std::size_t>(capacity) * sizeof(T);
+    const std::size_t bytes = static_cast<std::size_t>(capacity) * kElementBytes;
     if (capacity <= kInlineCapacity) {
         m_data = inlineData();
     } else if (m_data == nullptr) {
         m_data = static_cast<T*>(CBrtMemAllocator::alloc(bytes));
     } else if (isInline()) {
         void* const block = CBrtMemAllocator::alloc(bytes);
-        std::memcpy(block, m_data, static_cast<std::size_t>(m_capacity) * sizeof(T));
+        std::memcpy(block, m_data, static_cast<std::size_t>(m_capacity) * kElementBytes);
         m_data = static_cast<T*>(block);
     } else {
         m_data = static_cast<T*>(CBrtMemAllocator::realloc(m_data, bytes));

@@ -41,9 +41,9 @@ CString& CString::operator=(CString&& other) noexcept {
 CString& CString::assign(CStringView text) {
     if (contains(text)) {
         // A part of this text moves to the front.
-        const int unitBytes = isWide() ? 2 : 1;
+        const std::size_t unitBytes = isWide() ? 2 : 1;
         const void* const place = isWide() ? static_cast<const void*>(text.wide().data()) : text.narrow().data();
-        std::memmove(m_data, place, static_cast<std::size_t>(text.length() * unitBytes));
+        std::memmove(m_data, place, static_cast<std::size_t>(text.length()) * unitBytes);
         setLength(text.length(), true);
         return *this;
     }

@@ -39,7 +39,7 @@ public:
     ~CString() { freeHeap(); }
 
     // The form becomes that of the source.
-    CString& operator=(const CString& other) { return assign(other); }
+    CString& operator=(const CString& other) { return this != &other ? assign(other) : *this; }
     CString& operator=(CString&& other) noexcept;
     CString& operator=(CStringView text) { return assign(text); }
     CString& operator=(const char* text) { return assign(text); }
