@@ -51,13 +51,18 @@ void CHalfbandDownsampler::process(const double* src, int count, double* dst) no
 
 template <int tapCount>
 void CHalfbandDownsampler::filter(int count, double* dst) noexcept {
+    // Copies that no write to `dst` can change.
+    double taps[tapCount];
+    std::copy_n(m_taps, tapCount, taps);
+    int readPos = m_readPos;
     for (int i = 0; i < count; ++i) {
-        const double* centre = m_ring + m_readPos + m_base;
+        const double* centre = m_ring + readPos + m_base;
         double sum = centre[0];
-        for (int j = 0; j < tapCount; ++j) sum += m_taps[j] * (centre[2 * j + 1] + centre[-2 * j - 1]);
+        for (int j = 0; j < tapCount; ++j) sum += taps[j] * (centre[2 * j + 1] + centre[-2 * j - 1]);
         dst[i] = sum;
-        m_readPos = (m_readPos + 2) % kRingLength;
+        readPos = (readPos + 2) % kRingLength;
     }
+    m_readPos = readPos;
 }
 
 }  // namespace brt

@@ -48,14 +48,19 @@ void CHalfbandUpsampler::process(const double* src, int count, double* dst) noex
 
 template <int tapCount>
 void CHalfbandUpsampler::filter(int count, double* dst) noexcept {
+    // Copies that no write to `dst` can change.
+    double taps[tapCount];
+    std::copy_n(m_taps, tapCount, taps);
+    int readPos = m_readPos;
     for (int i = 0; i < count; ++i) {
-        const double* centre = m_ring + m_readPos + m_base;
+        const double* centre = m_ring + readPos + m_base;
         double between = 0.0;
-        for (int j = 0; j < tapCount; ++j) between += m_taps[j] * (centre[-j] + centre[1 + j]);
+        for (int j = 0; j < tapCount; ++j) between += taps[j] * (centre[-j] + centre[1 + j]);
         dst[2 * i] = centre[0];
         dst[2 * i + 1] = between;
-        m_readPos = (m_readPos + 1) % kRingLength;
+        readPos = (readPos + 1) % kRingLength;
     }
+    m_readPos = readPos;
 }
 
 }  // namespace brt

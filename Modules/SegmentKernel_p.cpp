@@ -173,7 +173,7 @@ struct SoftCurve {
 // How to clip: at(i) gives the function for host sample i of every segment.
 template <bool residue>
 struct HardClip {
-    [[gnu::always_inline]] const HardClip& at(int) const { return *this; }
+    [[gnu::always_inline]] HardClip at(int) const { return *this; }
     [[gnu::always_inline]] Lanes operator()(Lanes x) const { return residue ? hardClip(x) - x : hardClip(x); }
 };
 
@@ -184,7 +184,7 @@ struct MixedClip {
 
     explicit MixedClip(double hardness) : hard(splat(hardness * hardness)), soft(splat(1.0 - hardness * hardness)) {}
 
-    [[gnu::always_inline]] const MixedClip& at(int) const { return *this; }
+    [[gnu::always_inline]] MixedClip at(int) const { return *this; }
     [[gnu::always_inline]] Lanes operator()(Lanes x) const {
         const Lanes y = mulAdd(hardClip(x), hard, soft(x));
         return residue ? y - x : y;
@@ -228,13 +228,12 @@ private:
 
 // From 64x up to 128x: clips `count` samples at even places, which are those of x, and as many at odd places.
 template <int count, class Function>
-BRT_LANE_OP void clipUp(const Function& clip, const Lanes* x, Lanes* evens, Lanes* odds) {
+BRT_LANE_OP void clipUp(Function clip, const Lanes* x, Lanes* __restrict evens, Lanes* __restrict odds) {
     for (int m = 0; m < count; m += kTogether) {
         const Lanes* centre = x + m - kLastUp.delay;
-        Lanes between[kTogether], at[kTogether];
+        Lanes between[kTogether];
         interpolate<kTogether>(kLastUp.filter, centre, between);
-        BRT_UNROLL for (int b = 0; b < kTogether; ++b) at[b] = clip(centre[b]);
-        BRT_UNROLL for (int b = 0; b < kTogether; ++b) evens[m + b] = at[b];
+        BRT_UNROLL for (int b = 0; b < kTogether; ++b) evens[m + b] = clip(centre[b]);
         BRT_UNROLL for (int b = 0; b < kTogether; ++b) odds[m + b] = clip(between[b]);
     }
 }
