@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
-// Denormal numbers count as zero on the calling thread, as operands and as results, for the life of a scope.
-// Arithmetic on denormals is up to a hundred times slower, and they are far below anything audible.
-// The whole control register is restored at the end, so the host finds its own state again.
+// The floating-point state in which sound is processed, on the calling thread for the life of a scope.
+// Denormal numbers count as zero, as operands and as results: arithmetic on them is up to a hundred times slower, and
+// they are far below anything audible. Whatever the host has set, results round to nearest, and no number raises a
+// signal. The whole control register is restored at the end, so the host finds its own state again.
 // Threads: any; made and destroyed on the same one. Real-time safe.
 #pragma once
 

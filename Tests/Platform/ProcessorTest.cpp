@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Platform/Processor.h"
 
+#include <fenv.h>
 #include <gtest/gtest.h>
 #include <sched.h>
 
+#include <cfenv>
+#include <cmath>
 #include <limits>
 #include <thread>
 
@@ -65,6 +68,27 @@ TEST(ScopedFlushToZero, holdsForItsScopeOnly) {
     }
     EXPECT_GT(denormal * 4.0, 0.0);
     EXPECT_GT(smallestNormal * 0.5, 0.0);
+}
+
+// A host that rounds in its own way and has undefined results raise a signal, which would end it here.
+TEST(ScopedFlushToZero, isTheSameInEveryHost) {
+    volatile double zero = 0.0, one = 1.0, three = 3.0;
+    const double nearestThird = one / three;
+    std::fesetround(FE_UPWARD);
+    feenableexcept(FE_INVALID | FE_DIVBYZERO | FE_OVERFLOW);
+    double undefined, third;
+    {
+        const ScopedFlushToZero scope;
+        undefined = zero / zero;
+        third = one / three;
+    }
+    const double thirdAfter = one / three;
+    const int raisingAfter = fegetexcept();
+    std::fesetenv(FE_DFL_ENV);
+    EXPECT_TRUE(std::isnan(undefined));
+    EXPECT_EQ(third, nearestThird);
+    EXPECT_GT(thirdAfter, nearestThird);
+    EXPECT_EQ(raisingAfter, FE_INVALID | FE_DIVBYZERO | FE_OVERFLOW);
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 namespace brt {
 
 ScopedFlushToZero::ScopedFlushToZero() noexcept : m_controlBefore(floatingPointControl()) {
-    setFloatingPointControl(m_controlBefore | kFlushToZero);
+    setFloatingPointControl(kDefaultControl | kFlushToZero);
 }
 
 ScopedFlushToZero::~ScopedFlushToZero() { setFloatingPointControl(m_controlBefore); }
