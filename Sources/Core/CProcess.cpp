@@ -22,20 +22,25 @@ constinit std::atomic<std::int64_t> s_processId{0};
 constinit std::atomic<int> s_instances{0};
 
 // Held while stages stop, so that an instance that starts meanwhile waits until they have.
-constinit CCriticalSection s_lock;
-constinit std::array<ProcessStop, kStageCount> s_stops BRT_GUARDED_BY(s_lock){};
+constinit CCriticalSection s_lifeLock;
+
+// Never held while a stop function runs: a thread that it joins may be registering another stage.
+constinit CCriticalSection s_stopsLock BRT_ACQUIRED_AFTER(s_lifeLock);
+constinit std::array<ProcessStop, kStageCount> s_stops BRT_GUARDED_BY(s_stopsLock){};
+
+// The last that is registered, which is not any more; null if there is none from the last stage down to `first`.
+ProcessStop takeLastStop(ProcessStage first) {
+    const CLock lock(s_stopsLock);
+    for (int stage = kStageCount - 1; stage >= static_cast<int>(first); --stage) {
+        ProcessStop& registered = s_stops[static_cast<std::size_t>(stage)];
+        if (registered != nullptr) return std::exchange(registered, nullptr);
+    }
+    return nullptr;
+}
 
 // Stops what is registered from the last stage down to `first`; also what a stop function itself starts again.
-void stopDownTo(ProcessStage first) BRT_REQUIRES(s_lock) {
-    for (int stage = kStageCount - 1; stage >= static_cast<int>(first);) {
-        ProcessStop& registered = s_stops[static_cast<std::size_t>(stage)];
-        if (registered == nullptr) {
-            --stage;
-            continue;
-        }
-        std::exchange(registered, nullptr)();
-        stage = kStageCount - 1;
-    }
+void stopDownTo(ProcessStage first) BRT_REQUIRES(s_lifeLock) {
+    while (const ProcessStop stop = takeLastStop(first)) stop();
 }
 
 void logLiveBlocks() {
@@ -52,7 +57,7 @@ void logLiveBlocks() {
 }  // namespace
 
 void registerProcessStop(ProcessStage stage, ProcessStop stop) {
-    const CLock lock(s_lock);
+    const CLock lock(s_stopsLock);
     ProcessStop& registered = s_stops[static_cast<std::size_t>(stage)];
     BRT_ASSERT(registered == nullptr || registered == stop);
     registered = stop;
@@ -68,7 +73,7 @@ bool isForkedChild() {
 void stopProcess() {
     if (isForkedChild() || CProcessInstance::liveCount() > 0) return;
     {
-        const CLock lock(s_lock);
+        const CLock lock(s_lifeLock);
         stopDownTo(ProcessStage{0});
     }
     logLiveBlocks();
@@ -77,13 +82,13 @@ void stopProcess() {
 }
 
 CProcessInstance::CProcessInstance() {
-    const CLock lock(s_lock);
+    const CLock lock(s_lifeLock);
     s_instances.fetch_add(1, std::memory_order_relaxed);
 }
 
 CProcessInstance::~CProcessInstance() {
     if (isForkedChild()) return;
-    const CLock lock(s_lock);
+    const CLock lock(s_lifeLock);
     if (s_instances.fetch_sub(1, std::memory_order_relaxed) == 1) stopDownTo(kFirstThreadStage);
 }
 

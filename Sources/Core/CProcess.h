@@ -32,8 +32,9 @@ constexpr ProcessStage kFirstThreadStage = ProcessStage::workerPool;
 
 using ProcessStop = void (*)();
 
-// [any] Has `stop` called once, in the stage's turn; whoever starts again later registers again. The stop function must
-// not wait for a thread that starts or ends an instance. REQUIRES: one stop function a stage.
+// [any] Has `stop` called once, in the stage's turn; whoever starts again later registers again. Threads that are being
+// stopped may register too. The stop function must not wait for a thread that starts or ends an instance.
+// REQUIRES: one stop function a stage.
 void registerProcessStop(ProcessStage stage, ProcessStop stop);
 
 // [init] Records which process this is. Done by CProcessLifetime.
