@@ -14,7 +14,6 @@ constinit CCriticalSection s_lock{500};
 constinit CPersistentThread* s_idle BRT_GUARDED_BY(s_lock) = nullptr;  // the one released last is the first
 
 CPersistentThread* makeWorker() {
-    registerProcessStop(ProcessStage::workerPool, &CWorkerPool::stop);
     auto worker = std::make_unique<CPersistentThread>("worker-thread");
     if (CError* const error = worker->runThread(false)) {
         logError(error);
@@ -44,9 +43,14 @@ CPersistentThread* CWorkerPool::acquireWorker(CWorkerThread* task) {
 
 void CWorkerPool::releaseWorkers(CSmallArray<CPersistentThread*>& workers) {
     for (CPersistentThread* worker : workers) worker->setTask(nullptr);
-    const CLock lock(s_lock);
-    for (CPersistentThread* worker : workers) worker->m_next = std::exchange(s_idle, worker);
+    if (workers.isEmpty()) return;
+    {
+        const CLock lock(s_lock);
+        for (CPersistentThread* worker : workers) worker->m_next = std::exchange(s_idle, worker);
+    }
     workers.clear();
+    // Here and not where they are made: a stop may have come and gone while they were in use.
+    registerProcessStop(ProcessStage::workerPool, &CWorkerPool::stop);
 }
 
 void CWorkerPool::stop() {

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "Core/CProcess.h"
 #include "Core/CWorkerPool.h"
 #include "Core/Log.h"
 #include "Core/TimeBase.h"
@@ -154,6 +155,20 @@ TEST_F(CParallelSectionTest, thePoolGivesTheThreadReleasedLastFirst) {
     EXPECT_TRUE(workers.isEmpty());
     workers.append(CWorkerPool::acquireWorker(task()));
     EXPECT_EQ(workers.last(), last);
+    CWorkerPool::releaseWorkers(workers);
+}
+
+// The last instance goes while a section is under way: its threads must still end with the next one.
+TEST_F(CParallelSectionTest, threadsThatAStopFoundInUseEndWithTheNext) {
+    const auto task = [] { return new TestTask([]() -> CError* { return nullptr; }); };
+    CSmallArray<CPersistentThread*> workers;
+    workers.append(CWorkerPool::acquireWorker(task()));
+    const std::uint32_t firstId = workers.last()->threadId();
+    { const CProcessInstance instance; }
+    CWorkerPool::releaseWorkers(workers);
+    { const CProcessInstance instance; }
+    workers.append(CWorkerPool::acquireWorker(task()));
+    EXPECT_NE(workers.last()->threadId(), firstId);
     CWorkerPool::releaseWorkers(workers);
 }
 
