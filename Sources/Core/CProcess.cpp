@@ -76,6 +76,7 @@ void stopProcess() {
         const CLock lock(s_lifeLock);
         stopDownTo(ProcessStage{0});
     }
+    logBenchmarkRecords();
     logLiveBlocks();
     CBrtMemAllocator::teardown();
     setLogFile({});

@@ -13,8 +13,7 @@ namespace brt {
 
 // What can be stopped, in the order of starting: each may use those above it. It is stopped from the last to the first.
 enum class ProcessStage {
-    benchmarkRecords,  // log their lines
-    transforms,        // of the signal path
+    transforms,  // of the signal path
     filterSpectra,
     resources,
     creators,
@@ -40,8 +39,9 @@ void registerProcessStop(ProcessStage stage, ProcessStop stop);
 // [init] Records which process this is. Done by CProcessLifetime.
 void startProcess();
 
-// [init] Stops all stages, logs blocks of the allocator that are still held, and gives its memory back. If an instance
-// still lives, or in a child that the process forked, it frees and waits for nothing. Done by CProcessLifetime.
+// [init] Stops all stages, logs the benchmark records and the blocks of the allocator that are still held, and gives
+// its memory back. If an instance still lives, or in a child that the process forked, it frees and waits for nothing.
+// Done by CProcessLifetime.
 void stopProcess();
 
 // [any] True in a child that the process forked: its threads don't exist there, its locks may be held for ever.

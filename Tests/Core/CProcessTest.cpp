@@ -5,9 +5,12 @@
 
 #include <cstdlib>
 #include <string>
+#include <thread>
 
+#include "Core/CBenchmarkRecord.h"
 #include "Core/CBrtMemAllocator.h"
 #include "Core/Log.h"
+#include "Platform/CAutoResetEvent.h"
 
 namespace brt {
 namespace {
@@ -25,6 +28,11 @@ void stopStores() {
     registerProcessStop(ProcessStage::workerPool, stop<'w'>);
 }
 
+struct Sink : CLogSink {
+    void write(std::string_view text, bool) override { lines.append(text).append("|"); }
+    std::string lines;
+};
+
 class CProcessTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -36,7 +44,7 @@ protected:
     static void registerAll() {
         registerProcessStop(ProcessStage::stores, stopStores);
         registerProcessStop(ProcessStage::messageLoops, stop<'l'>);
-        registerProcessStop(ProcessStage::benchmarkRecords, stop<'b'>);
+        registerProcessStop(ProcessStage::transforms, stop<'f'>);
         registerProcessStop(ProcessStage::workerPool, stop<'w'>);
         registerProcessStop(ProcessStage::workerPool, stop<'w'>);  // the same one once more
         registerProcessStop(ProcessStage::timerQueue, stop<'t'>);
@@ -47,9 +55,9 @@ protected:
 TEST_F(CProcessTest, stopsFromTheLastStageToTheFirstOnce) {
     registerAll();
     stopProcess();
-    EXPECT_EQ(s_stopped, "ltwaswb");
+    EXPECT_EQ(s_stopped, "ltwaswf");
     stopProcess();
-    EXPECT_EQ(s_stopped, "ltwaswb");
+    EXPECT_EQ(s_stopped, "ltwaswf");
 }
 
 TEST_F(CProcessTest, theLastInstanceStopsTheThreads) {
@@ -62,7 +70,38 @@ TEST_F(CProcessTest, theLastInstanceStopsTheThreads) {
     }
     EXPECT_EQ(s_stopped, "ltw");
     stopProcess();
-    EXPECT_EQ(s_stopped, "ltwaswb");
+    EXPECT_EQ(s_stopped, "ltwaswf");
+}
+
+// A loop's thread draws its last frame while it is being stopped, and needs workers for it.
+CAutoResetEvent s_hasRegistered;
+bool s_registersInTime = false;
+std::thread s_loop;
+
+void stopLoop() {
+    s_loop = std::thread([] {
+        registerProcessStop(ProcessStage::workerPool, stop<'w'>);
+        s_hasRegistered.signal();
+    });
+    s_registersInTime = s_hasRegistered.waitFor(30.0);
+}
+
+TEST_F(CProcessTest, aThreadThatIsBeingStoppedMayRegister) {
+    registerProcessStop(ProcessStage::messageLoops, stopLoop);
+    stopProcess();
+    s_loop.join();
+    EXPECT_TRUE(s_registersInTime);
+    EXPECT_EQ(s_stopped, "w");
+}
+
+TEST_F(CProcessTest, logsTheBenchmarkRecordsThatWereUsed) {
+    Sink sink;
+    CLogSink* before = setLogSink(&sink);
+    CBenchmarkRecord::at(0).add(1);
+    stopProcess();
+    setLogSink(before);
+    CBenchmarkRecord::at(0) = {};
+    EXPECT_TRUE(sink.lines.starts_with("BENCH 0: ")) << sink.lines;
 }
 
 // A host that exits while its audio thread is still inside an instance.
@@ -97,10 +136,7 @@ TEST_F(CProcessTest, stopsNothingInAForkedChild) {
 }
 
 TEST_F(CProcessTest, tellsOfBlocksThatWereNeverFreed) {
-    struct Sink : CLogSink {
-        void write(std::string_view text, bool) override { lines.append(text).append("|"); }
-        std::string lines;
-    } sink;
+    Sink sink;
     void* small = CBrtMemAllocator::alloc(100);
     void* big = CBrtMemAllocator::alloc(10'000);
     CLogSink* before = setLogSink(&sink);
