@@ -14,7 +14,6 @@
 
 #include <concepts>
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -81,7 +80,7 @@ public:
         // The common case: bytes behind bytes, and there is room. Nothing moves, so the text may be a part of this one.
         const std::int64_t length = std::int64_t{m_length} + text.length();
         if (isWide() || text.isWide() || length >= roomBytes()) return appendMoving(text);
-        std::memcpy(data8() + m_length, text.narrow().data(), text.narrow().size());
+        text.narrow().copy(data8() + m_length, text.narrow().size());
         m_length = static_cast<std::int32_t>(length);
         data8()[length] = 0;
         return *this;

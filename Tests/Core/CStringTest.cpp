@@ -71,6 +71,10 @@ TEST(CString, widensOnlyWhenSomethingForcesIt) {
     EXPECT_FALSE(text.isWide());
     EXPECT_EQ(text, "narrow again");
 
+    text.append(CStringView(std::string_view())).append(CStringView(std::u16string_view()));  // of no memory at all
+    EXPECT_TRUE(text.isWide());
+    EXPECT_EQ(text.length(), 12);
+
     CString grown = repeated(u'x', 25);  // inside as bytes, outside as 16-bit units
     grown.append(u"\u20AC");
     EXPECT_EQ(grown, std::u16string(25, u'x') + u"\u20AC");
