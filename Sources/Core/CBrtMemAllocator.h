@@ -35,7 +35,7 @@ public:
     // [any] A block of at least `size` bytes, not initialised; 0 is served like 1.
     [[nodiscard, gnu::malloc, gnu::returns_nonnull, gnu::alloc_size(1)]] static void* alloc(std::size_t size);
 
-    // [any] The same, but null where the system refuses the memory: for sizes that come from data.
+    // [any] The same, but null where the system refuses a request above 4,080 bytes: for sizes that come from data.
     [[nodiscard, gnu::malloc, gnu::alloc_size(1)]] static void* tryAlloc(std::size_t size);
 
     // [any] Takes a block back. Null is ignored.

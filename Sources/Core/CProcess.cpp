@@ -10,6 +10,7 @@
 #include "Core/CBrtMemAllocator.h"
 #include "Core/Log.h"
 #include "Platform/CCriticalSection.h"
+#include "Platform/CLockFreeList.h"
 #include "Platform/ProcessId.h"
 
 namespace brt {
@@ -61,6 +62,12 @@ void registerProcessStop(ProcessStage stage, ProcessStop stop) {
     ProcessStop& registered = s_stops[static_cast<std::size_t>(stage)];
     BRT_ASSERT(registered == nullptr || registered == stop);
     registered = stop;
+}
+
+bool canRunHere() {
+    if (CLockFreeList::isSupported()) return true;
+    logLine("This processor can't swap 16 bytes at once (cmpxchg16b).");
+    return false;
 }
 
 void startProcess() { s_processId.store(processId(), std::memory_order_relaxed); }

@@ -36,6 +36,10 @@ using ProcessStop = void (*)();
 // REQUIRES: one stop function a stage.
 void registerProcessStop(ProcessStage stage, ProcessStop stop);
 
+// [any] Asked by every entry point before anything else. False, with a line in the log, on a processor that lacks what
+// all of this code needs: the entry point then refuses.
+[[nodiscard]] bool canRunHere();
+
 // [init] Records which process this is. Done by CProcessLifetime.
 void startProcess();
 

@@ -43,6 +43,7 @@ int fail(int status, const char* text) {
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
+    if (!brt::canRunHere()) return fail(1, "this processor is too old: it can't swap 16 bytes at once (cmpxchg16b)");
     try {
         brt::installSignalHandlers();
         const brt::CProcessInstance instance;
