@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Tools/Halyard/CCanvas.h"
 
-#include <cairo.h>
-
 #include <numbers>
 
 #include "Tools/Halyard/CPendingFile.h"
@@ -21,7 +19,7 @@ cairo_status_t writePng(void* file, const unsigned char* bytes, unsigned int cou
 
 }  // namespace
 
-void CCanvas::Release::operator()(_cairo* context) const noexcept { cairo_destroy(context); }
+void CCanvas::Release::operator()(cairo_t* context) const noexcept { cairo_destroy(context); }
 
 CCanvas::CCanvas(int width, int height, const Colour& background) {
     cairo_surface_t* surface =

@@ -3,11 +3,11 @@
 // and small letters stay sharp in print. The origin is at the top left. Owner: who draws. Threads: one at a time.
 #pragma once
 
+#include <cairo.h>
+
 #include <memory>
 #include <string>
 #include <vector>
-
-struct _cairo;
 
 namespace brt {
 
@@ -78,7 +78,7 @@ public:
 
 private:
     struct Release {
-        void operator()(_cairo* context) const noexcept;
+        void operator()(cairo_t* context) const noexcept;
     };
 
     void setColour(const Colour& colour);
@@ -86,7 +86,7 @@ private:
     void setFont(const TextStyle& style);
     void path(const std::vector<Point>& points);
 
-    std::unique_ptr<_cairo, Release> m_context;
+    std::unique_ptr<cairo_t, Release> m_context;
 };
 
 }  // namespace brt

@@ -45,17 +45,19 @@ Axis linearAxis(std::string title, double from, double to, int tickCount) {
     const double ratio = wished / power;
     const double step = power * (ratio < 1.5 ? 1 : ratio < 3.5 ? 2 : ratio < 7.5 ? 5 : 10);
     const int decimals = std::max(0, -static_cast<int>(std::floor(std::log10(step) + 1e-9)));
-    const double slack = 1e-9 * step;
-    for (double i = std::ceil((from - slack) / step); i * step <= to + slack; ++i)
-        axis.ticks.push_back({i * step, withMinus(formatFixed(i * step, decimals))});
+    constexpr double kSlack = 1e-9;  // of a step: the ends count where they are ticks
+    const auto first = static_cast<int>(std::ceil(from / step - kSlack));
+    const auto last = static_cast<int>(std::floor(to / step + kSlack));
+    for (int i = first; i <= last; ++i) axis.ticks.push_back({i * step, withMinus(formatFixed(i * step, decimals))});
     return axis;
 }
 
 Axis frequencyAxis(std::string title, double fromHz, double toHz) {
     Axis axis{.title = std::move(title), .from = fromHz, .to = toHz, .isLogarithmic = true, .ticks = {}};
-    for (double decade = 1; decade <= toHz; decade *= 10)
+    const auto decades = static_cast<int>(std::ceil(std::log10(toHz)));
+    for (int exponent = 0; exponent <= decades; ++exponent)
         for (int digit = 1; digit <= 9; ++digit) {
-            const double hertz = digit * decade;
+            const double hertz = digit * std::pow(10, exponent);
             if (hertz < fromHz || hertz > toHz) continue;
             const bool isLabelled = digit == 1 || digit == 2 || digit == 5;
             axis.ticks.push_back({hertz, isLabelled ? kilo(hertz) : ""});

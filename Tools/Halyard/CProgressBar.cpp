@@ -2,6 +2,7 @@
 #include "Tools/Halyard/CProgressBar.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include "Platform/StandardStreams.h"
@@ -15,7 +16,7 @@ constexpr int kBarLength = 32;
 constexpr auto kRedrawInterval = std::chrono::milliseconds(100);
 
 std::string minutesAndSeconds(double seconds) {
-    const auto whole = static_cast<std::int64_t>(seconds + 0.5);
+    const std::int64_t whole = std::llround(seconds);
     const std::string rest = std::to_string(whole % 60);
     return std::to_string(whole / 60) + (rest.size() < 2 ? ":0" : ":") + rest;
 }

@@ -81,10 +81,10 @@ private:
             const auto index = static_cast<std::size_t>(step);
             const double start = barStart + step * kStepSeconds;
             const auto seed = static_cast<std::uint32_t>(bar * kStepsPerBar + step);
-            if (const double s = strengthOf(kKickPattern[index])) kick(start, s);
-            if (const double s = strengthOf(kSnarePattern[index])) snare(start, s, seed);
-            if (const double s = strengthOf(kHatPattern[index])) hat(start, s, seed);
-            if (const double s = strengthOf(kBassPattern[index])) bass(start, chord.bassNote, s);
+            if (const double s = strengthOf(kKickPattern[index]); s > 0) kick(start, s);
+            if (const double s = strengthOf(kSnarePattern[index]); s > 0) snare(start, s, seed);
+            if (const double s = strengthOf(kHatPattern[index]); s > 0) hat(start, s, seed);
+            if (const double s = strengthOf(kBassPattern[index]); s > 0) bass(start, chord.bassNote, s);
             if (strengthOf(kArpeggioPattern[index]) > 0) {
                 const int note = chord.notes[static_cast<std::size_t>(arpeggioStep % 4)] + 12;
                 pluck(start, note, arpeggioStep % 2 ? 0.72 : 0.28);
