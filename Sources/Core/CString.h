@@ -97,7 +97,9 @@ public:
     CStringView slice(int start, int count = -1) const noexcept { return view().slice(start, count); }
 
     // A count of -1, or one that reaches past the end, means up to the end; 0 or less after that gives the empty text.
-    void substring(CString& result, int start, int count) const { result.assign(view().slice(start, count)); }
+    void substring(CString& result, int start, int count) const {
+        result.assign(view().slice(start, count < -1 ? 0 : count));
+    }
 
     // The pieces between separators: "a,b" gives two, "a," two, "," two, "" none. With `skipEmpty` the empty ones are
     // left out; with `clearFirst` the list is emptied first, else they are added to it.

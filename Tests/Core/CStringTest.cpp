@@ -148,6 +148,8 @@ TEST(CString, substringTakesWhatIsThere) {
     EXPECT_EQ(part, "bc");
     text.substring(part, 0, 0);
     EXPECT_EQ(part, "");
+    text.substring(part, 0, -2);
+    EXPECT_EQ(part, "");
     text.substring(part, 7, 2);
     EXPECT_EQ(part, "");
 }
