@@ -5,6 +5,7 @@
 
 #include "Core/Log.h"
 #include "Core/NumberText.h"
+#include "Platform/CMessageLoop.h"
 #include "Platform/StandardStreams.h"
 
 namespace brt {
@@ -95,7 +96,9 @@ void showError(CError*& error) {
     discardError(error);
     error = nullptr;
 
-    const ErrorWindow window = s_errorWindow.load(std::memory_order_acquire);
+    // A timer's or a worker's thread waits for no user.
+    const ErrorWindow window =
+        CMessageLoop::current() != nullptr ? s_errorWindow.load(std::memory_order_acquire) : nullptr;
     if (window != nullptr && window({kErrorTitle, kErrorText, details})) return;
     details.append("\n");
     writeStandardError(details.toPath());

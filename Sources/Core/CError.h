@@ -93,7 +93,8 @@ void logError(const CError* error);
 bool discardError(CError* error);
 
 // [any] For what a user must see. Logs the error, deletes it and sets it to null. Shows the details in the error window
-// where one can be shown, and returns when the user has closed it; else writes them to standard error.
+// where one can be shown, which is on the thread of a message loop, and returns when the user has closed it; else
+// writes them to standard error.
 void showError(CError*& error);
 
 // What `showError` shows; the windows' floor brings the window. Returns false if it can't be shown now.

@@ -4,6 +4,7 @@
 #include "Core/CClassInfo.h"
 #include "Core/CObjectContext.h"
 #include "Core/CObjectLinks.h"
+#include "Core/CObjectWatch.h"
 #include "Core/CTemplateRecord.h"
 
 namespace brt {
@@ -11,6 +12,8 @@ namespace brt {
 CObject::CObject() : m_root(this) {}
 
 CObject::~CObject() {
+    for (CObjectWatch* watch = m_watches; watch; watch = watch->m_outer) watch->m_object = nullptr;
+    cutLinks();  // what its children's release has tied again
     if (m_root == this) delete m_context;
 }
 

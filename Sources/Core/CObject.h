@@ -31,10 +31,14 @@ namespace brt {
 class CClassInfo;
 class CDocument;
 class CDocumentCursor;
+class CObjectAddress;
 class CObjectContext;
+class CObjectEventBridge;
 class CObjectLinks;
+class CObjectWatch;
 class CPosInputStream;
 class CTemplateRecord;
+struct CFollowedAttr;
 
 // When the handler of an assigned attribute runs.
 enum ETiming : bool { kDeferred, kImmediate };
@@ -136,27 +140,42 @@ public:
     // The same from an open stream; `name` is for messages.
     [[nodiscard]] CError* loadDocument(CPosInputStream& stream, CStringView name, ERootStages stages);
 
-    // Events. A subscription is by the sender's full name, whether it exists yet or not.
+    // Events. A subscription is by the sender's full name, whether it exists yet or not; the handler runs on the thread
+    // of the nearest bridge at or above this object, and without one never. `fireEvent` calls listeners on this thread
+    // before it returns. These belong to the tree's thread; any other uses the object's address.
     void listenObject(CStringView senderFullName, CStringView eventName, CStringView handlerName);
     void unlistenObject(CStringView senderFullName, CStringView eventName);
     [[nodiscard]] CError* fireEvent(CStringView eventName);
-    [[nodiscard]] CError* fireEvent(CStringView eventName, CAttrMap& args);
-    void postEvent(CStringView sender, CStringView handlerName, CAttrMap& args);
+    [[nodiscard]] CError* fireEvent(CStringView eventName, const CAttrMap& args);
+    // Runs a handler of this object later, over the bridge; now.
+    void postEvent(CStringView sender, CStringView handlerName, const CAttrMap& args);
     [[nodiscard]] CError* runEvent(CStringView handlerName);
     [[nodiscard]] CError* runEvent(CStringView handlerName, const CAttrMap& args);
+    // Asks the parent to release this object later, so that an object may end itself inside a handler of its own.
     void releaseBridged();
+    // What other threads post and fire with. REQUIRES: the object hangs in a tree.
+    CRef<CObjectAddress> address();
 
-    // References in the text of an attribute. `isRaw` tells that raw text has come into the result.
+    // References in the text of an attribute, as "{/^ width?20}". At most `kMaxExpansions` are followed, up to
+    // `kMaxExpandedUnits` units; a text that asks for more is kept as far as it came, and logged. `isRaw`: braces of
+    // raw text have come into the result.
+    static constexpr int kMaxExpansions = 1000;
+    static constexpr int kMaxExpandedUnits = 61440;
     void expandReferences(CString& result, bool& isRaw, CStringView name, CStringView text);
-    void resolveReference(CString& result, bool& isRaw, CStringView expression, CStringView attrName,
-                          CStringView defaultText, bool ownOnly) const;
-    void bindAttribute(CString& result, bool& isRaw, CStringView expression, CStringView attrName);
+    // The attribute that one reference means: "NAME", "/PATH NAME" or "/PATH", of that object or, unless `ownOnly`, the
+    // nearest above it that has it. `attrName` is the attribute that refers. Null if there is none.
+    const CAttrValue* resolveReference(CStringView expression, CStringView attrName, bool ownOnly) const;
+    // Has the attribute `attrName` follow the one that "/PATH NAME" or "CHILD NAME" means, until either object goes.
+    // Returns its present value; null if there is none to take.
+    const CAttrValue* bindAttribute(CStringView expression, CStringView attrName);
 
 protected:
     // Runs the handlers that wait.
     [[nodiscard]] CError* flushPendingAttrs();
     // Tells those that follow an attribute of this object.
     [[nodiscard]] CError* notifyBindings(CStringView name, const CAttrValue& value);
+    // Makes this object the end of a bridge: what is for it and for those below it goes over it. For constructors.
+    void setBridge(CRef<CObjectEventBridge> bridge);
 
 private:
     static constexpr CStringView kFullName = "full-name";
@@ -190,7 +209,12 @@ private:
     CError* loadAttributes(const CDocument& document, CDocumentCursor& cursor);
     CError* loadChildren(CDocument& document, CDocumentCursor& cursor);
 
-    friend class CObjectLinks;
+    CObjectLinks& links();
+    void cutLinks();
+    CObject* findSource(CStringView expression) const;
+    CError* notifyFollowers(CFollowedAttr& attr, const CAttrValue& value, const CObjectWatch& watch);
+
+    friend class CObjectWatch;
 
     const CClassInfo* m_classInfo = nullptr;  // of the tag; not owned
     CAttrMap m_attributes;
@@ -205,6 +229,7 @@ private:
     CRef<CTemplateRecord> m_madeFrom;       // this object is made from a template; until its children stand
     const CAttrMap* m_overrides = nullptr;  // not owned; until `init` has applied them
     std::unique_ptr<CObjectLinks> m_links;  // events and bindings; null as long as there are none
+    CObjectWatch* m_watches = nullptr;      // who wants to know whether this object still lives; the latest first
     CString m_tag;
     std::int32_t m_id = -1;
     std::int32_t m_index = 0;   // among the children of the same base name

@@ -2,6 +2,8 @@
 // How an object's attributes are read and assigned, and how their handlers run.
 #include "Core/CClassInfo.h"
 #include "Core/CObject.h"
+#include "Core/CObjectLinks.h"
+#include "Core/CObjectWatch.h"
 #include "Core/Log.h"
 
 namespace brt {
@@ -48,9 +50,10 @@ CError* CObject::assignAttr(CStringView name, ETiming timing, Assign assign) {
             name);
     CAttrValue& value = m_attributes.findOrInsert(name);
     assign(value);
-    BRT_TRY(getFullName(), notifyAttrHandler(name, value, timing));
-    if (m_links) BRT_TRY(getFullName(), notifyBindings(name, value));
-    return nullptr;
+    const CObjectWatch watch(*this);
+    CError* error = notifyAttrHandler(name, value, timing);
+    if (!error && watch.isAlive()) error = notifyBindings(name, value);
+    return error ? makeError(error, __FILE__, __LINE__, watch.fullName(), "") : nullptr;
 }
 
 CError* CObject::setAttr(CStringView name, CStringView text, ETiming timing) {

@@ -5,9 +5,8 @@
 #pragma once
 
 #include <atomic>
-#include <memory>
 
-#include "Core/CBrtMemAllocator.h"
+#include "Core/CCounted.h"
 
 namespace brt {
 
@@ -34,7 +33,7 @@ public:
 private:
     const int m_instanceNumber;
     std::atomic<int> m_nextId{0};
-    std::unique_ptr<CEventRegistry> m_events;
+    const CRef<CEventRegistry> m_events;
 };
 
 }  // namespace brt

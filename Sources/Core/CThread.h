@@ -49,7 +49,7 @@ public:
     static bool findName(std::uint32_t threadId, CString& name);
 
 protected:
-    // On the new thread. An error is shown to the user, since a background thread has no caller to return it to.
+    // On the new thread. An error is written to standard error, as a background thread has no caller to return it to.
     virtual CError* run() = 0;
 
     // [any] Lets `run` pass `waitForWake`; several calls before it waits count as one. A stop wakes it too.

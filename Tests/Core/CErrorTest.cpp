@@ -5,6 +5,7 @@
 
 #include "Core/Log.h"
 #include "Core/PrintText.h"
+#include "Platform/CMessageLoop.h"
 
 namespace brt {
 namespace {
@@ -89,7 +90,16 @@ TEST(CError, isShownOnceAndGone) {
     showError(error);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "Broken 3.\r\nlow.cpp( 12 )\r\n\n<no details>\n");
 
+    // A thread without a message loop can't wait for the user.
     setErrorWindow(showNothing);
+    testing::internal::CaptureStderr();
+    error = failBelow();
+    showError(error);
+    EXPECT_NE(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(s_shownDetails, "");
+
+    std::shared_ptr<CMessageLoop> loop;
+    ASSERT_EQ(CMessageLoop::obtain(loop), 0);
     testing::internal::CaptureStderr();
     error = failBelow();
     showError(error);

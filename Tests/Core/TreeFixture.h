@@ -16,6 +16,7 @@
 #include "Core/CDocumentWriter.h"
 #include "Core/CError.h"
 #include "Core/CProcess.h"
+#include "Core/CoreTags.h"
 #include "Core/Log.h"
 #include "PrintText.h"
 
@@ -151,8 +152,8 @@ protected:
     }
 
     void start(const char* sharedDocument = "", std::span<const CCreatorRow> moreTags = {}) {
-        static constexpr CCreatorRow kTags[] = {bagRow("core:object"), creatorRow<CProbe>("test:probe")};
-        const std::span<const CCreatorRow> tables[] = {kTags, moreTags};
+        static constexpr CCreatorRow kTags[] = {creatorRow<CProbe>("test:probe")};
+        const std::span<const CCreatorRow> tables[] = {coreTags(), kTags, moreTags};
         m_table.clear();
         for (std::size_t i = 0; i < m_names.size(); ++i) m_table.push_back({m_resources[i].data(), m_names[i].c_str()});
         m_table.push_back({nullptr, nullptr});
