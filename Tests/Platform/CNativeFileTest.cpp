@@ -221,6 +221,22 @@ TEST(StandardStreams, errorTextIsUtf8AndSurvivesALostReader) {
     EXPECT_STREQ(text, "caf\xC3\xA9 \xF0\x9F\x8E\x9B\n");
 }
 
+// A program that was started by another one, which doesn't look at what it has to say.
+TEST(StandardStreams, errorTextWaitsForNoReader) {
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    const int room = fcntl(ends[1], F_GETPIPE_SZ);
+    const int kept = dup(STDERR_FILENO);
+    dup2(ends[1], STDERR_FILENO);
+    close(ends[1]);
+    writeStandardError(std::u16string(static_cast<std::size_t>(room) + 10'000, u'x'));
+    dup2(kept, STDERR_FILENO);
+    close(kept);
+    std::string read(static_cast<std::size_t>(room) + 1, '\0');
+    EXPECT_EQ(::read(ends[0], read.data(), read.size()), room);
+    close(ends[0]);
+}
+
 TEST_F(CNativeFileTest, aTemporaryFileTakesTheTargetsPlaceAndRights) {
     const mode_t maskBefore = umask(022);
     std::u16string first;
