@@ -123,7 +123,12 @@ std::size_t usableSize(const void* block) noexcept {
 
 }  // namespace
 
+#if !defined(NDEBUG)
+[[gnu::tls_model("initial-exec")]] constinit thread_local int CNoAllocationScope::t_depth = 0;
+#endif
+
 void* CBrtMemAllocator::alloc(std::size_t size) {
+    BRT_ASSERT(!CNoAllocationScope::isActive());
     if (!kAllFromHeap && size <= kLargestSmallRequest && t_magazines != nullptr) [[likely]] {
         if (void* block = t_magazines->take(classOf(size))) return block;
     }
@@ -131,11 +136,13 @@ void* CBrtMemAllocator::alloc(std::size_t size) {
 }
 
 void* CBrtMemAllocator::tryAlloc(std::size_t size) {
+    BRT_ASSERT(!CNoAllocationScope::isActive());
     return classOf(size) == kBigBlock ? allocFromHeap(size, kBigBlock) : alloc(size);
 }
 
 void CBrtMemAllocator::free(void* block) noexcept {
     if (block == nullptr) return;
+    BRT_ASSERT(!CNoAllocationScope::isActive());
     const int number = classAt(block);
     if (!kAllFromHeap && number != kBigBlock && t_magazines != nullptr && t_magazines->keep(number, block)) [[likely]]
         return;

@@ -87,4 +87,23 @@ protected:
     CBrtMemAllocator& operator=(const CBrtMemAllocator&) = default;
 };
 
+// While one lives on a thread, that thread may neither allocate nor free: builds with assertions trap there.
+class CNoAllocationScope {
+public:
+#if defined(NDEBUG)
+    CNoAllocationScope() noexcept {}
+#else
+    CNoAllocationScope() noexcept { ++t_depth; }
+    ~CNoAllocationScope() { --t_depth; }
+    static bool isActive() noexcept { return t_depth > 0; }
+#endif
+    CNoAllocationScope(const CNoAllocationScope&) = delete;
+    CNoAllocationScope& operator=(const CNoAllocationScope&) = delete;
+
+private:
+#if !defined(NDEBUG)
+    [[gnu::tls_model("initial-exec")]] static constinit thread_local int t_depth;
+#endif
+};
+
 }  // namespace brt
