@@ -93,8 +93,7 @@ void CAudioParamStorage::dropItem(double value, CAudioParamData* donor) {
 }
 
 double CAudioParamStorage::copyOfDefault(int element, int subValue) {
-    const int place = element < m_defaultCount ? element : 0;
-    const double value = m_defaults[place * m_format.elementSize + subValue];
+    const double value = defaultValue(element, subValue);
     return m_format.isFloat() ? value : m_data.add(m_data.find(value)->clone());
 }
 

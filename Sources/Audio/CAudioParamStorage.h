@@ -46,9 +46,9 @@ public:
     }
 
     // The default of an element, or the first one behind their end. REQUIRES: valid.
-    double defaultValue(int element) const noexcept {
+    double defaultValue(int element, int subValue = 0) const noexcept {
         const bool isThere = static_cast<unsigned>(element) < static_cast<unsigned>(m_defaultCount);
-        return m_defaults[isThere ? element * m_format.elementSize : 0];
+        return m_defaults[(isThere ? element * m_format.elementSize : 0) + subValue];
     }
 
     // What is set. A group beyond the count has no elements.

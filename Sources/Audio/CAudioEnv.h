@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: LicenseRef-Halyard
+// What an instance's audio side and everybody else share: the lock under which the audio thread takes and hands back
+// lists, and the few numbers that go with it.
+// Owner: the instance's tree. Threads: any; numbers change under the lock only.
+#pragma once
+
+#include <atomic>
+
+#include "Core/CObject.h"
+#include "Core/CSwapLock.h"
+
+namespace brt {
+
+class CAudioEnv : public CObject {
+public:
+    // What a host may ask for; anything else is refused.
+    static constexpr double kLowestSampleRate = 1000.0;
+    static constexpr double kHighestSampleRate = 1536000.0;
+
+    static void describeClass(CClassInfo& info);
+
+    // Under it nothing is allocated, freed, searched or told: see CSwapLock.
+    CPriorityLock& section() const noexcept BRT_RETURN_CAPABILITY(m_section) { return m_section; }
+
+    // [any] Whether somebody takes what waits: the instance processes blocks, or may begin to at any time.
+    bool isActive() const noexcept { return m_isActive.load(std::memory_order_relaxed); }
+    void setActive(bool isActive) noexcept;
+
+    // [any] In Hz.
+    double sampleRate() const noexcept { return m_sampleRate.load(std::memory_order_relaxed); }
+    // [any] False, with nothing changed, for a rate that no signal has.
+    bool setSampleRate(double sampleRateHz) noexcept;
+
+private:
+    mutable CPriorityLock m_section;
+    std::atomic<bool> m_isActive{false};
+    std::atomic<double> m_sampleRate{44100.0};
+};
+
+}  // namespace brt
