@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Core/CoreTags.h"
 
+#include "Core/CAttrDoubler.h"
+#include "Core/CSharedAttribute.h"
 #include "Core/CStdEventBridge.h"
 #include "Core/CTimerQueued.h"
 
@@ -8,8 +10,8 @@ namespace brt {
 
 std::span<const CCreatorRow> coreTags() noexcept {
     static constexpr CCreatorRow kTags[] = {
-        bagRow("core:object"),
-        creatorRow<CTimerQueued>("core:timer"),
+        creatorRow<CAttrDoubler>("core:attr-doubler"),         bagRow("core:object"),
+        creatorRow<CSharedAttribute>("core:shared-attribute"), creatorRow<CTimerQueued>("core:timer"),
         creatorRow<CStdEventBridge>("ui:ui-event-bridge"),
     };
     return kTags;

@@ -51,7 +51,7 @@ public:
 
     // [any] Creates a new empty file for reading and writing in the folder of `target`, to be renamed to it when
     // complete. It gets the access rights of `target` if that exists, which must be a regular file then. Its name is
-    // ".", the target's name, "." and 12 letters.
+    // ".", the target's name, "." and 12 letters; `removeOldTemporaries` finds it if it is forgotten.
     // A target that is a link would be replaced by the rename: pass what `followLinks` gives.
     [[nodiscard]] int createTemporaryBeside(std::u16string_view target, std::u16string& temporaryPath,
                                             NewFileAccess access = NewFileAccess::asUsual);

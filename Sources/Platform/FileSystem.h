@@ -36,6 +36,10 @@ bool isWritable(std::u16string_view path);
 // [any] Removes a file, or the link that the path names.
 [[nodiscard]] int removeFile(std::u16string_view path);
 
+// [any] Removes from the folder what `CNativeFile::createTemporaryBeside` has made and a crash has left there: files
+// with a name of that form to which nobody has written for so long. What can't be looked at or removed stays.
+void removeOldTemporaries(std::u16string_view folder, double ageSeconds);
+
 // [any] The file that writing to `path` would reach or create: where the path names a link, what that leads to, which
 // need not exist. On failure `result` is unchanged.
 [[nodiscard]] int followLinks(std::u16string_view path, std::u16string& result);

@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Platform/FileSystem.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <thread>
 
+#include "Platform/CNativeFile.h"
 #include "Platform/SystemError.h"
 #include "Platform/SystemFolders.h"
 #include "Tests/Platform/TemporaryFolder.h"
@@ -112,6 +115,30 @@ TEST_F(FileSystemTest, followsLinksAlsoToWhatIsNotThereYet) {
     makeLink("a", "b");
     EXPECT_EQ(followLinks(m_folder.path("a"), path), ELOOP);
     EXPECT_EQ(path, m_folder.path("other"));
+}
+
+TEST_F(FileSystemTest, removesOnlyOldTemporaries) {
+    CNativeFile file;
+    std::u16string recent;
+    std::u16string old;
+    ASSERT_EQ(file.createTemporaryBeside(m_folder.path("key"), recent), 0);
+    ASSERT_EQ(file.createTemporaryBeside(m_folder.path(std::string(250, 'n')), old), 0);
+    ASSERT_EQ(file.close(), 0);
+    const std::vector<std::string> kept = {".hidden", "k.abcdefghijkl", "..abcdefghijkl", ".k.abcdefghijk1", ".k.ijkl"};
+    for (const std::string& name : kept) makeFile(name);
+    makeLink("nowhere", ".k.abcdefghijkl");
+    constexpr timespec kLongAgo[2] = {{.tv_sec = 1, .tv_nsec = 0}, {.tv_sec = 1, .tv_nsec = 0}};
+    for (const auto& entry : std::filesystem::directory_iterator(m_folder.bytes())) {
+        if (entry.path().string() == pathToSystem(recent)) continue;
+        ASSERT_EQ(utimensat(AT_FDCWD, entry.path().c_str(), kLongAgo, AT_SYMLINK_NOFOLLOW), 0);
+    }
+
+    removeOldTemporaries(m_folder.path(), 86400.0);
+    EXPECT_FALSE(std::filesystem::exists(pathToSystem(old)));
+    EXPECT_TRUE(std::filesystem::exists(pathToSystem(recent)));
+    for (const std::string& name : kept) EXPECT_TRUE(std::filesystem::exists(m_folder.bytes(name))) << name;
+    EXPECT_TRUE(std::filesystem::is_symlink(m_folder.bytes(".k.abcdefghijkl")));
+    removeOldTemporaries(m_folder.path("missing"), 0.0);
 }
 
 TEST_F(FileSystemTest, tellsWhetherItMayWrite) {

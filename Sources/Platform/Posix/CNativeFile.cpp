@@ -7,12 +7,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <optional>
 
 #include "Platform/CNativeThread.h"
 #include "Platform/Clock.h"
 #include "Platform/Posix/SystemCalls_p.h"
+#include "Platform/Posix/TemporaryName_p.h"
 #include "Platform/SystemError.h"
 
 namespace brt {
@@ -40,19 +40,6 @@ bool waitUntilReady(int descriptor, short events) noexcept {
 }
 
 bool wouldBlock(int error) noexcept { return error == EAGAIN || error == EWOULDBLOCK; }
-
-// ".NAME." and 12 letters that differ at every call, in this process and most likely in every other; the caller tries
-// until the name is free.
-std::string temporaryName(std::string_view targetName) {
-    static constinit std::atomic<std::uint64_t> calls{0};
-    std::uint64_t number = static_cast<std::uint64_t>(clockCounter()) ^ static_cast<std::uint64_t>(getpid()) << 40 ^
-                           calls.fetch_add(1) * 0x9E37'79B9'7F4A'7C15;
-    constexpr std::size_t kMostNameBytes = 200;  // of the 255 that file systems allow
-    std::string name(".");
-    name.append(targetName.substr(0, kMostNameBytes)).append(".");
-    for (int i = 0; i < 12; ++i, number >>= 5) name.push_back("abcdefghijklmnopqrstuvwxyz234567"[number & 31]);
-    return name;
-}
 
 }  // namespace
 

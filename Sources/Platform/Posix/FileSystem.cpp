@@ -7,6 +7,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <sys/stat.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,6 +15,7 @@
 #include <memory>
 
 #include "Platform/Posix/SystemCalls_p.h"
+#include "Platform/Posix/TemporaryName_p.h"
 #include "Platform/SystemError.h"
 
 namespace brt {
@@ -106,6 +108,19 @@ int removeFile(std::u16string_view path) {
     const CSystemPath systemPath(path);
     if (const int error = systemPath.error()) return error;
     return unlink(systemPath) == 0 ? 0 : errno;
+}
+
+void removeOldTemporaries(std::u16string_view folder, double ageSeconds) {
+    const CSystemPath systemPath(folder);
+    const OpenFolder opened = systemPath.error() == 0 ? openFolder(systemPath) : nullptr;
+    if (opened == nullptr) return;
+    const int place = dirfd(opened.get());
+    while (const dirent* const entry = readdir(opened.get())) {
+        if (!isTemporaryName(entry->d_name)) continue;
+        struct stat status {};
+        if (fstatat(place, entry->d_name, &status, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISREG(status.st_mode)) continue;
+        if (difftime(time(nullptr), status.st_mtime) > ageSeconds) unlinkat(place, entry->d_name, 0);
+    }
 }
 
 int followLinks(std::u16string_view path, std::u16string& result) {
