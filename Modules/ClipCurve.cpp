@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Modules/ClipCurve.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace brt {
 
-double hardClip(double x) noexcept { return std::min(std::max(x, -1.0), 1.0); }
+double hardClip(double x) noexcept {
+    const double raised = x > -1.0 ? x : -1.0;
+    return raised < 1.0 ? raised : 1.0;
+}
 
 double softClip(double x) noexcept {
     const double a = std::abs(x), square = x * x;

@@ -30,7 +30,9 @@ struct ClipSettings {
     bool operator==(const ClipSettings&) const noexcept = default;
 };
 
+// [any] A NaN becomes -1, as it does in the vector builds: what is behind the hard limit gets numbers only.
 double hardClip(double x) noexcept BRT_REALTIME;
+// [any] Beyond 1e150 the squares overflow, and the answer is no number.
 double softClip(double x) noexcept BRT_REALTIME;
 
 // [any] Clips `count` samples in place.

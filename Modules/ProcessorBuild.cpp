@@ -72,7 +72,9 @@ ProcessorBuild chooseProcessorBuild(const char* wantedName) {
 ProcessorBuild processorBuild() {
     int choice = s_choice.load(std::memory_order_relaxed);
     if (choice == 0) {
-        const int mine = static_cast<int>(chooseProcessorBuild(std::getenv(kEnvironmentVariable))) + 1;
+        const char* wanted = std::getenv(kEnvironmentVariable);
+        if (wanted != nullptr && *wanted == '\0') wanted = nullptr;
+        const int mine = static_cast<int>(chooseProcessorBuild(wanted)) + 1;
         // Whoever comes first decides for all.
         if (s_choice.compare_exchange_strong(choice, mine)) choice = mine;
     }

@@ -19,8 +19,8 @@ inline constexpr int kProcessorBuildCount = 4;
 bool isProcessorBuildSupported(ProcessorBuild build);
 
 // [any] The build to use when nobody asks for a certain one: the fastest one supported. HALYARD_BUILD in the
-// environment, read at the first call, names another; a name that is unknown or not supported is ignored with a line in
-// the log.
+// environment, read at the first call, names another unless it is empty; a name that is unknown or not supported is
+// ignored with a line in the log.
 ProcessorBuild processorBuild();
 
 // [any] The build of that name, else, and for null, the fastest one supported; a name that cannot be served is logged.

@@ -118,6 +118,23 @@ TEST_P(CHalyardCoreTest, recoversFromWhatIsNoNumber) {
     }
 }
 
+TEST_P(CHalyardCoreTest, answersANaNAsThePortableBuildDoes) {
+    Samples in = noise(5000, 1.5, 9);
+    in[1000] = std::numeric_limits<double>::quiet_NaN();
+    const auto areNumbers = [&](ProcessorBuild build, double hardness) {
+        std::vector<bool> are;
+        for (const double x : run(build, in, {512}, {{0, hardness, false}})) are.push_back(std::isfinite(x));
+        return are;
+    };
+    // The hard limit gives nothing but numbers; the soft curve has none to give, until the filters have forgotten.
+    EXPECT_EQ(areNumbers(GetParam(), 1.0), std::vector<bool>(in.size(), true));
+    const std::vector<bool> mixed = areNumbers(GetParam(), 0.5);
+    EXPECT_EQ(mixed, areNumbers(ProcessorBuild::kPortable, 0.5));
+    EXPECT_EQ(std::count(mixed.begin(), mixed.begin() + 1248, false), 0);
+    EXPECT_FALSE(mixed[2000]);
+    EXPECT_TRUE(mixed.back());
+}
+
 TEST_P(CHalyardCoreTest, leavesTheHostsTreatmentOfDenormalsAlone) {
     const Samples in(700, 1e-310);
     Samples out(700);
