@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 #include <sndfile.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -91,6 +92,29 @@ TEST_F(BadInputTest, filesThatAreCutOff) {
     EXPECT_EQ(read("open-out.wav").frameCount(), 1000);
 }
 
+// A recorder that was switched off has not come to write the length into the header.
+TEST_F(BadInputTest, recordingsThatWereNeverFinished) {
+    std::string unfinished = bytes("in.wav");
+    unfinished.replace(40, 4, std::string(4, '\0'));
+    std::ofstream(path("unfinished.wav"), std::ios::binary) << unfinished;
+    expectRefusal("render unfinished.wav out.wav", 1, "it was never finished");
+    // No sound at all, and another chunk behind it: a file like any other.
+    std::ofstream(path("empty.wav"), std::ios::binary) << unfinished.substr(0, 44) << "LIST" << std::string(4, '\0');
+    runWell("render empty.wav empty-out.wav");
+}
+
+// FLAC that went through a pipe: the header says 0 samples, which stands for a length that is not known.
+TEST_F(BadInputTest, aLengthThatIsNotToldIsFound) {
+    write("in.flac", soundOf(quietMusic(30000, 0.9), SF_FORMAT_FLAC | SF_FORMAT_PCM_16));
+    std::string flac = bytes("in.flac");
+    flac[21] &= static_cast<char>(0xF0);
+    flac.replace(22, 4, std::string(4, '\0'));
+    std::ofstream(path("open.flac"), std::ios::binary) << flac;
+    runWell("render in.flac out.wav");
+    runWell("render open.flac open-out.wav");
+    EXPECT_EQ(read("open-out.wav").samples, read("out.wav").samples);
+}
+
 TEST_F(BadInputTest, outputsThatMustNotOrCannotBeWritten) {
     std::filesystem::create_symlink("in.wav", path("same.wav"));
     std::filesystem::create_symlink("/dev/full", path("full.wav"));
@@ -102,6 +126,13 @@ TEST_F(BadInputTest, outputsThatMustNotOrCannotBeWritten) {
     expectRefusal("render in.wav . --force", 1, "it is a folder");
     expectRefusal("render in.wav nowhere/out.wav", 1, "there is no folder 'nowhere'");
     expectRefusal("render in.wav full.wav --force", 1, "No space left on device");
+    expectRefusal("measure --help >/dev/full", 1, "cannot write to standard output");
+    ASSERT_EQ(mkfifo(path("pipe.wav").c_str(), 0600), 0);
+    expectRefusal("render in.wav pipe.wav --force", 1, "it is a pipe");
+    std::filesystem::create_symlink("nowhere.wav", path("dangling.wav"));
+    expectRefusal("render in.wav dangling.wav --force", 1, "a link that leads nowhere");
+    std::filesystem::create_symlink("in.wav", path("in.png"));
+    expectRefusal("plot in.wav in.png --force", 1, "it is the input");
 }
 
 TEST_F(BadInputTest, formatsThatDoNotFit) {

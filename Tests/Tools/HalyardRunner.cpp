@@ -41,11 +41,10 @@ HalyardTest::~HalyardTest() {
 Outcome HalyardTest::run(const std::string& arguments) const {
     const fs::path output = m_folder.string() + ".out";
     const fs::path errors = m_folder.string() + ".err";
-    // The suppressions count in builds with AddressSanitizer only.
-    const std::string command = "cd '" + m_folder.string() +
-                                "' && LSAN_OPTIONS=print_suppressions=0:suppressions=" LEAK_SUPPRESSIONS
-                                " " HALYARD_BINARY " " +
-                                arguments + " >'" + output.string() + "' 2>'" + errors.string() + "' </dev/null";
+    // The suppressions count in builds with AddressSanitizer only. Redirections among the arguments come later and win.
+    const std::string command =
+        "cd '" + m_folder.string() + "' && LSAN_OPTIONS=print_suppressions=0:suppressions=" + LEAK_SUPPRESSIONS " >'" +
+        output.string() + "' 2>'" + errors.string() + "' </dev/null " HALYARD_BINARY " " + arguments;
     const int status = std::system(command.c_str());
     Outcome outcome;
     if (WIFEXITED(status)) outcome.status = WEXITSTATUS(status);

@@ -38,8 +38,18 @@ void checkDestination(const fs::path& destination, bool mayReplace) {
         throw CToolError(what + "it is a folder; name a file in it");
     if (!fs::is_directory(folder, ignored))
         throw CToolError(what + "there is no folder " + quoted(folder) + "; make it first or name another");
-    if (!mayReplace && fs::exists(destination, ignored) && !isDevice(destination))
+    const fs::file_status status = fs::status(destination, ignored);
+    if (fs::is_fifo(status) || fs::is_socket(status))
+        throw CToolError(what + "it is a pipe, and a sound file's header is written last; name a file");
+    if (!fs::exists(status) && fs::is_symlink(fs::symlink_status(destination, ignored)))
+        throw CToolError(what + "it is a link that leads nowhere; remove it or choose another name");
+    if (!mayReplace && fs::exists(status) && !isDevice(destination))
         throw CToolError(what + "it exists already; choose another name, or add --force to replace it");
+}
+
+bool isSameFile(const fs::path& a, const fs::path& b) {
+    std::error_code ignored;
+    return fs::equivalent(a, b, ignored) || resolved(a) == resolved(b);
 }
 
 CPendingFile::CPendingFile(const fs::path& destination, bool mayReplace)
@@ -85,9 +95,15 @@ void CPendingFile::throwIfFailed() const {
     if (m_systemError) fail(m_systemError);
 }
 
-void CPendingFile::commit() {
+void CPendingFile::finish() {
+    if (m_isFinished) return;
     throwIfFailed();
     if (const int error = m_file.close()) fail(error);
+    m_isFinished = true;
+}
+
+void CPendingFile::commit() {
+    finish();
     if (m_temporary.empty()) return;
     // A file of that name may have come into being while this one was written.
     checkDestination(pathToSystem(m_destination), m_mayReplace);

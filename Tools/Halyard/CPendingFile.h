@@ -13,9 +13,12 @@
 
 namespace brt {
 
-// [any] Throws CToolError if nothing can be written there: the path is a folder, its folder is missing, or a file
-// stands there already and must not be replaced.
+// [any] Throws CToolError if nothing can be written there: the path is a folder, a pipe or a link that leads nowhere,
+// its folder is missing, or a file stands there already and must not be replaced.
 void checkDestination(const std::filesystem::path& destination, bool mayReplace);
+
+// [any] True if both lead to one file, which need not exist.
+bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b);
 
 class CPendingFile {
 public:
@@ -38,7 +41,11 @@ public:
     // Throws CToolError if any operation so far has failed.
     void throwIfFailed() const;
 
-    // The file is complete: puts it in its place. Throws CToolError; the destination is untouched then.
+    // The file is complete: hands all of it to the system, which may find only now that the disk is full. Who makes
+    // several files finishes all before the first commit. Throws CToolError.
+    void finish();
+
+    // Finishes, and puts the file in its place. Throws CToolError; the destination is untouched then.
     void commit();
 
 private:
@@ -52,6 +59,7 @@ private:
     std::int64_t m_position = 0;
     std::int64_t m_length = 0;
     int m_systemError = 0;  // of the first failure
+    bool m_isFinished = false;
 };
 
 }  // namespace brt

@@ -7,6 +7,7 @@
 
 #include "Platform/StandardStreams.h"
 #include "Tools/Halyard/Decibels.h"
+#include "Tools/Halyard/ToolError.h"
 
 namespace brt {
 
@@ -26,7 +27,7 @@ std::string minutesAndSeconds(double seconds) {
 CProgressBar::CProgressBar(std::int64_t totalFrames, std::string label)
     : m_isShown(isTerminal(StandardStream::error)),
       m_totalFrames(std::max<std::int64_t>(totalFrames, 1)),
-      m_label(std::move(label)),
+      m_label(printable(std::move(label))),
       m_start(Clock::now()),
       m_lastDrawn(m_start) {}
 

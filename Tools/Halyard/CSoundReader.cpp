@@ -7,6 +7,7 @@
 
 #include "Tools/Halyard/CProcessor.h"
 #include "Tools/Halyard/ChunkCheck.h"
+#include "Tools/Halyard/Interrupt.h"
 #include "Tools/Halyard/ToolError.h"
 
 namespace brt {
@@ -14,6 +15,9 @@ namespace brt {
 namespace {
 
 namespace fs = std::filesystem;
+
+// Whatever a 32-bit float holds is taken for sound. What stands above is damage, and its square would overflow.
+constexpr double kLoudest = 1e50;
 
 [[noreturn]] void failReading(const fs::path& path, const std::string& reasonAndAdvice) {
     throw CToolError("cannot read " + quoted(path) + ": " + reasonAndAdvice);
@@ -28,7 +32,12 @@ void checkSource(const fs::path& path) {
                               : "no such file; check the name");
     if (fs::is_directory(status)) failReading(path, "it is a folder; name the sound files in it");
     if (!fs::is_regular_file(status)) failReading(path, "it is a device or a pipe; name a file on disk");
-    if (const auto missing = findMissingSound(path))
+    const auto missing = findMissingSound(path);
+    if (missing && missing->promisedBytes == 0)
+        failReading(path, "it was never finished: its header tells of no sound, but " +
+                              std::to_string(missing->presentBytes) +
+                              " bytes follow; repair it with a recording program");
+    if (missing)
         failReading(path, "it is cut off: " + std::to_string(missing->presentBytes) + " of " +
                               std::to_string(missing->promisedBytes) + " bytes of sound are there; copy it anew");
 }
@@ -49,20 +58,39 @@ std::string libraryReason(SNDFILE* file) {
                           "); give a WAV, FLAC, AIFF, CAF, W64 or RF64 file");
 }
 
+using SoundFile = std::unique_ptr<SNDFILE, CSoundReader::CloseFile>;
+
+SoundFile openSound(const fs::path& path, SF_INFO& info) {
+    const std::lock_guard lock(soundLibraryMutex());
+    SoundFile file(sf_open(path.string().c_str(), SFM_READ, &info));
+    if (!file) failOpening(path);
+    return file;
+}
+
+// By reading it all: for files that don't tell, as FLAC files that went through a pipe.
+std::int64_t countFrames(const fs::path& path) {
+    SF_INFO info{};
+    const SoundFile file = openSound(path, info);
+    constexpr int kPieceFrames = 4096;
+    std::vector<double> piece(static_cast<std::size_t>(kPieceFrames) * static_cast<std::size_t>(info.channels));
+    std::int64_t frames = 0;
+    while (const sf_count_t got = sf_readf_double(file.get(), piece.data(), kPieceFrames)) {
+        throwIfInterrupted();
+        frames += got;
+    }
+    return frames;
+}
+
 }  // namespace
 
 CSoundReader::CSoundReader(const fs::path& path) : m_path(path) {
     checkSource(path);
     SF_INFO info{};
-    {
-        const std::lock_guard lock(soundLibraryMutex());
-        m_file.reset(sf_open(path.string().c_str(), SFM_READ, &info));
-        if (!m_file) failOpening(path);
-    }
+    m_file = openSound(path, info);
     if (info.channels > ProcessorSettings::kMaxChannels)
         failReading(path, "it has " + std::to_string(info.channels) + " channels; halyard takes 1 to " +
                               std::to_string(ProcessorSettings::kMaxChannels) + ", so split it first");
-    m_frameCount = info.frames;
+    m_frameCount = info.frames == SF_COUNT_MAX ? countFrames(path) : info.frames;
     m_format.container = info.format & SF_FORMAT_TYPEMASK;
     m_format.sample = sampleFormatHolding(info.format);
     m_format.rateHz = info.samplerate;
@@ -86,9 +114,9 @@ int CSoundReader::read(CPlanarBuffer& buffer) {
         const double* source = m_interleaved.data() + c;
         for (int i = 0; i < count; ++i, source += channels) {
             samples[i] = *source;
-            if (std::isfinite(samples[i])) continue;
+            if (std::fabs(samples[i]) <= kLoudest) continue;
             samples[i] = 0;
-            ++m_nonFiniteCount;
+            ++m_invalidCount;
         }
     }
     return count;

@@ -127,10 +127,16 @@ void CSoundWriter::check(sf_count_t framesWritten, int frameCount) const {
         throw CToolError("cannot write " + quoted(m_path) + ": " + sf_strerror(m_file.get()));
 }
 
-void CSoundWriter::commit() {
+void CSoundWriter::finish() {
+    if (!m_file) return;
     const int result = sf_close(m_file.release());  // writes what is buffered, and the header with the final length
     m_pending.throwIfFailed();
     if (result != SF_ERR_NO_ERROR) throw CToolError("cannot write " + quoted(m_path) + ": " + sf_error_number(result));
+    m_pending.finish();
+}
+
+void CSoundWriter::commit() {
+    finish();
     m_pending.commit();
 }
 

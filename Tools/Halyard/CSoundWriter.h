@@ -33,7 +33,8 @@ public:
     // Throws CToolError, as on a full disk.
     void write(const CPlanarBuffer& buffer, int firstFrame, int frameCount);
 
-    // Throws CToolError.
+    // As those of CPendingFile. Throw CToolError.
+    void finish();
     void commit();
 
     const SoundFormat& format() const noexcept { return m_format; }

@@ -52,6 +52,16 @@ std::array<char, 4> readId(std::istream& file) {
     return id;
 }
 
+std::array<char, 4> readIdAt(std::istream& file, std::int64_t position) {
+    file.seekg(position);
+    return readId(file);
+}
+
+// A chunk's name is four printable characters.
+bool isChunkId(const std::array<char, 4>& id) {
+    return std::all_of(id.begin(), id.end(), [](char c) { return c >= 0x20 && c < 0x7f; });
+}
+
 bool equals(const std::array<char, 4>& id, std::string_view text) {
     return std::string_view(id.data(), id.size()) == text;
 }
@@ -71,8 +81,7 @@ std::optional<MissingSound> findMissingSound(const std::filesystem::path& path) 
     std::uint64_t rf64SoundBytes = kOpenLength64;
 
     for (std::int64_t start = layout->headerBytes; start + prefixBytes <= fileBytes;) {
-        file.seekg(start);
-        const std::array<char, 4> id = readId(file);
+        const std::array<char, 4> id = readIdAt(file, start);
         file.seekg(start + layout->idBytes);
         std::uint64_t size = readInteger(file, layout->sizeBytes, layout->isBigEndian);
         if (!file) return std::nullopt;
@@ -88,7 +97,8 @@ std::optional<MissingSound> findMissingSound(const std::filesystem::path& path) 
         if (layout->sizeCountsIdAndSize) size -= std::min(size, static_cast<std::uint64_t>(prefixBytes));
 
         const auto present = static_cast<std::uint64_t>(fileBytes - content);
-        if (isSound && size > present)
+        const bool isUnfinished = isSound && size == 0 && present > 0 && !isChunkId(readIdAt(file, content));
+        if (isUnfinished || (isSound && size > present))
             return MissingSound{static_cast<std::int64_t>(size), static_cast<std::int64_t>(present)};
         if (isSound || size > present) return std::nullopt;
         const auto alignment = static_cast<std::uint64_t>(layout->alignment);

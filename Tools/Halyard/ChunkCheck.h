@@ -14,8 +14,10 @@ struct MissingSound {
     std::int64_t presentBytes;   // of sound, until the end of the file
 };
 
-// For WAV, RF64, W64, AIFF and CAF files whose chunk of sound reaches beyond the end of the file. A file of any other
-// kind, and one whose writer left the length open (as programs do that write into a pipe), gives nothing.
+// For WAV, RF64, W64, AIFF and CAF files whose chunk of sound reaches beyond the end of the file; and for those whose
+// chunk promises 0 bytes though something follows that is no chunk, as a recorder leaves them that was switched off. A
+// file of any other kind, and one whose writer left the length open (as programs do that write into a pipe), gives
+// nothing.
 std::optional<MissingSound> findMissingSound(const std::filesystem::path& path);
 
 }  // namespace brt

@@ -13,6 +13,8 @@ namespace brt {
 
 int runPlot(const PlotRequest& request) {
     checkPictureName(request.output);
+    if (isSameFile(request.input, request.output))
+        throw CToolError("cannot draw " + quoted(request.output) + ": it is the input; choose another name");
     CPendingFile png(request.output, request.mayReplace);
     Peak peak;
     {

@@ -73,6 +73,7 @@ public:
         m_writtenFrames += frameCount - skipped;
     }
 
+    void finish() { m_writer.finish(); }
     void commit() { m_writer.commit(); }
 
     const CSoundWriter& writer() const noexcept { return m_writer; }
@@ -151,13 +152,16 @@ RenderSummary render(const RenderJob& job, CProgressBar& progress) {
     summary.outputFrames = output.writtenFrames();
     summary.outputPeak = output.peak();
     summary.overSamples = output.writer().overCount();
-    summary.nonFiniteSamples = reader.nonFiniteCount();
+    summary.invalidSamples = reader.invalidCount();
     summary.largestReductionDb = reductionDb(job.settings, summary.inputPeak.level);
     summary.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     if (residue) summary.residueOverSamples = residue->writer().overCount();
 
     // All is made before the first file appears, so that a late failure leaves none.
     if (picture) drawSignalPicture(job.input, job.settings, summary.inputPeak, *picture);
+    output.finish();
+    if (residue) residue->finish();
+    if (picture) picture->finish();
     output.commit();
     if (residue) residue->commit();
     if (picture) picture->commit();

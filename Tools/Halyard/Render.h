@@ -37,8 +37,8 @@ struct RenderSummary {
     std::int64_t overSamples = 0;     // output samples above full scale
     std::int64_t residueOverSamples = 0;
     std::optional<SampleFormat> residueFormat;
-    std::int64_t nonFiniteSamples = 0;  // of the input; taken as silence
-    double seconds = 0;                 // that the work took
+    std::int64_t invalidSamples = 0;  // of the input; taken as silence
+    double seconds = 0;               // that the work took
 };
 
 // [any] Throws CToolError; no output exists then that did not exist before. REQUIRES: no output is the input.

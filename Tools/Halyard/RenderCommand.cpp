@@ -57,11 +57,6 @@ std::string canonicalName(const fs::path& path) {
     return fs::weakly_canonical(path, ignored).string();
 }
 
-bool isSameFile(const fs::path& a, const fs::path& b) {
-    std::error_code ignored;
-    return fs::equivalent(a, b, ignored) || canonicalName(a) == canonicalName(b);
-}
-
 std::vector<fs::path> outputsOf(const RenderJob& job) {
     std::vector<fs::path> outputs = {job.output};
     if (job.residueOutput) outputs.push_back(*job.residueOutput);

@@ -92,7 +92,8 @@ std::vector<Point> continuousWave(const std::vector<double>& samples, std::size_
 
 void drawWave(CCanvas& canvas, const Rectangle& area, const ProcessorSettings& settings, const Peak& peak,
               const Neighbourhood& sound) {
-    const int halfFrames = static_cast<int>(kWaveSeconds * sound.rateHz);
+    // A rate that only a damaged header tells must not make the drawing endless.
+    const int halfFrames = std::min(static_cast<int>(kWaveSeconds * sound.rateHz), kStretchFrames / 2);
     const std::vector<Point> before = continuousWave(sound.before, sound.peakIndex, halfFrames, sound.rateHz);
     const std::vector<Point> after = continuousWave(sound.after, sound.peakIndex, halfFrames, sound.rateHz);
     double low = -1.1;

@@ -82,8 +82,8 @@ std::string summaryText(const RenderJob& job, const RenderSummary& s) {
     if (job.keepLatency)
         addLine(text, "latency",
                 "kept: the output starts and ends " + counted(s.outputFrames - s.inputFrames, "frame") + " late");
-    if (s.nonFiniteSamples)
-        addLine(text, "invalid", samples(s.nonFiniteSamples) + " of the input: no finite number, taken as silence");
+    if (s.invalidSamples)
+        addLine(text, "invalid", samples(s.invalidSamples) + " of the input: no number of a sound, taken as silence");
     const double soundSeconds = static_cast<double>(s.inputFrames) / s.inputFormat.rateHz;
     if (s.seconds > 0)
         addLine(text, "speed",

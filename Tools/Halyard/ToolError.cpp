@@ -3,11 +3,12 @@
 
 namespace brt {
 
-std::string quoted(const std::filesystem::path& path) {
-    std::string text = path.string();
+std::string printable(std::string text) {
     for (char& c : text)
         if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = '?';
-    return "'" + text + "'";
+    return text;
 }
+
+std::string quoted(const std::filesystem::path& path) { return "'" + printable(path.string()) + "'"; }
 
 }  // namespace brt

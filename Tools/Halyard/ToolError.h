@@ -26,7 +26,10 @@ public:
     CInterrupted() : CToolError("interrupted; no unfinished file is left behind") {}
 };
 
-// [any] The path in single quotes, for a message of one line: control characters are shown as "?".
+// [any] The text for one line of a terminal: control characters are shown as "?".
+std::string printable(std::string text);
+
+// [any] The path in single quotes, printable.
 std::string quoted(const std::filesystem::path& path);
 
 }  // namespace brt

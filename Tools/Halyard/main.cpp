@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 // The program `halyard`. Exit status: 0 done; 1 something failed, and one line on standard error tells what; 2 the
 // command line is wrong; 128 plus the signal's number after an interruption.
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -40,6 +41,14 @@ int fail(int status, const char* text) {
     return status;
 }
 
+// What was printed must have arrived. A reader that has gone away, as `head` does, knows why: it is told nothing.
+int finishOutput(int status) {
+    errno = 0;
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
+    if (errno == EPIPE) return 1;
+    return fail(1, "cannot write to standard output; free some space or send it elsewhere");
+}
+
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
@@ -49,7 +58,7 @@ int main(int argumentCount, char** arguments) {
         const brt::CProcessInstance instance;
         const brt::Request request = brt::parseCommandLine(argumentCount, arguments);
         if (!std::holds_alternative<brt::TextRequest>(request)) checkProcessorBuild();
-        return std::visit(Runner(), request);
+        return finishOutput(std::visit(Runner(), request));
     } catch (const brt::CInterrupted& error) {
         return fail(128 + brt::interruptSignal(), error.what());
     } catch (const brt::CUsageError& error) {
