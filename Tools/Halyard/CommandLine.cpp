@@ -144,6 +144,18 @@ void addDemoSignal(CLI::App& app, DemoSignalRequest& request) {
     command.footer("Example:\n  halyard demo-signal music.wav");
 }
 
+void addTree(CLI::App& app, TreeRequest& request) {
+    CLI::App& command = *app.add_subcommand("tree", "Print the objects that all instances share");
+    command.add_option("path", request.path, "The object to begin with (all of the tree)")->type_name("PATH");
+    command.footer(
+        R"(Each object is printed with its name, its tag and how far it is built, then its attributes and its children. Names
+are those of paths in documents, where "shared::" stands in front.
+
+Examples:
+  halyard tree
+  halyard tree shared::project)");
+}
+
 // The library's words for what is wrong with a command's options.
 std::string reasonOf(const CLI::ParseError& error) {
     std::string text = error.what();
@@ -164,7 +176,7 @@ std::string oneLine(const CLI::App& app, const CLI::ParseError& error, const std
     }
     const std::string wrong =
         firstArgument.empty() ? "no command is given" : brt::quoted(firstArgument) + " is no command";
-    return wrong + "; use render, plot, measure or demo-signal, and see 'halyard --help'";
+    return wrong + "; use render, plot, measure, demo-signal or tree, and see 'halyard --help'";
 }
 
 }  // namespace
@@ -174,6 +186,7 @@ Request parseCommandLine(int argumentCount, const char* const* arguments) {
     PlotRequest plot;
     MeasureRequest measure;
     DemoSignalRequest demoSignal;
+    TreeRequest tree;
     std::string sampleFormat;
 
     CLI::App app("Halyard: a clipper for mastering that runs at 128 times the sample rate.", "halyard");
@@ -184,6 +197,7 @@ Request parseCommandLine(int argumentCount, const char* const* arguments) {
     addPlot(app, plot);
     addMeasure(app, measure);
     addDemoSignal(app, demoSignal);
+    addTree(app, tree);
     app.footer(R"(Each command explains itself: halyard render --help
 
 Example:
@@ -205,6 +219,7 @@ Example:
     if (command == "render") return render;
     if (command == "plot") return plot;
     if (command == "measure") return measure;
+    if (command == "tree") return tree;
     return demoSignal;
 }
 

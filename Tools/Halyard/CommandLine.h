@@ -9,6 +9,7 @@
 #include "Tools/Halyard/MeasureCommand.h"
 #include "Tools/Halyard/PlotCommand.h"
 #include "Tools/Halyard/RenderCommand.h"
+#include "Tools/Halyard/TreeCommand.h"
 
 namespace brt {
 
@@ -17,7 +18,7 @@ struct TextRequest {
     std::string text;
 };
 
-using Request = std::variant<TextRequest, RenderRequest, PlotRequest, MeasureRequest, DemoSignalRequest>;
+using Request = std::variant<TextRequest, RenderRequest, PlotRequest, MeasureRequest, DemoSignalRequest, TreeRequest>;
 
 // Throws CUsageError with the one line that tells what is wrong.
 Request parseCommandLine(int argumentCount, const char* const* arguments);

@@ -34,6 +34,7 @@ struct Runner {
     int operator()(const brt::PlotRequest& request) const { return brt::runPlot(request); }
     int operator()(const brt::MeasureRequest& request) const { return brt::runMeasure(request); }
     int operator()(const brt::DemoSignalRequest& request) const { return brt::runDemoSignal(request); }
+    int operator()(const brt::TreeRequest& request) const { return brt::runTree(request); }
 };
 
 int fail(int status, const char* text) {

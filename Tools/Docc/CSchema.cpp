@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: LicenseRef-Halyard
+#include "Tools/Docc/CSchema.h"
+
+#include <stdexcept>
+
+#include "Tools/Docc/CElement.h"
+
+namespace brt {
+
+CSchema::CSchema(std::span<const std::span<const CCreatorRow>> tables) {
+    for (const std::span<const CCreatorRow> table : tables) {
+        CError* const error = m_registry.registerCreators(table);
+        if (!error) continue;
+        const std::string message = error->message().toUtf8();
+        discardError(error);  // goes on as an exception
+        throw std::runtime_error(message);
+    }
+}
+
+CSchema::~CSchema() {
+    for (const auto& [tag, sample] : m_samples) CObject::release(sample);
+}
+
+const CClassInfo* CSchema::find(CStringView tag) const noexcept {
+    if (const CCreatorRegistry::CRecord* const record = m_registry.find(tag)) return &record->info;
+    const bool isPlain = tag == CElement::kRootTag || tag == CElement::kContentTag || tag == CElement::kTemplateTag;
+    return isPlain ? &m_registry.plainObject() : nullptr;
+}
+
+bool CSchema::isOfClass(CStringView tag, const CAttrInfo& row) {
+    if (!row.isOfClass) return true;
+    CObject*& sample = m_samples.findOrInsert(tag);
+    if (!sample) {
+        const CCreatorRegistry::CRecord* const record = m_registry.find(tag);
+        sample = record ? record->create() : new CObject;
+    }
+    return row.isOfClass(sample);
+}
+
+}  // namespace brt

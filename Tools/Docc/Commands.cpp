@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: LicenseRef-Halyard
+#include "Tools/Docc/Commands.h"
+
+#include <cstdio>
+#include <stdexcept>
+
+#include "Tools/Docc/CompiledDocument.h"
+#include "Tools/Docc/Compiler.h"
+#include "Tools/Docc/DocumentText.h"
+#include "Tools/Docc/Files.h"
+#include "Tools/Docc/ResourceTable.h"
+
+namespace brt {
+namespace {
+
+std::unique_ptr<CElement> loadCompiled(const std::string& path) {
+    const std::string bytes = readFile(path);
+    try {
+        return readCompiledDocument({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()},
+                                    CString::fromUtf8(path));
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error(path + ": error: no compiled document: " + error.what());
+    }
+}
+
+std::unique_ptr<COrderedSet<CString>> resourceNames(const std::string& list) {
+    if (list.empty()) return nullptr;
+    auto names = std::make_unique<COrderedSet<CString>>();
+    for (const auto& [name, file] : readResourceList(list)) names->insert(CString::fromUtf8(name));
+    return names;
+}
+
+}  // namespace
+
+int runCompile(const CompileRequest& request, std::span<const std::span<const CCreatorRow>> tables) {
+    const CSourceText source(request.input, readFile(request.input));
+    CDiagnostics diagnostics(source);
+    const std::unique_ptr<CElement> shared =
+        request.sharedDocument.empty() ? nullptr : loadCompiled(request.sharedDocument);
+    const auto resources = resourceNames(request.resourceList);
+    const std::vector<std::uint8_t> bytes = compileText(source, {tables, shared.get(), resources.get()}, diagnostics);
+    if (diagnostics.hasErrors()) {
+        std::fputs(diagnostics.lines().c_str(), stderr);
+        return 1;
+    }
+    writeFile(request.output, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    return 0;
+}
+
+int runDump(const std::string& input) {
+    std::fputs(printDocument(*loadCompiled(input)).c_str(), stdout);
+    return 0;
+}
+
+int runResources(const ResourcesRequest& request) {
+    writeFile(request.output, resourceAssembler(readResourceList(request.list), request.symbol));
+    return 0;
+}
+
+}  // namespace brt
