@@ -61,6 +61,14 @@ struct CAttrInfo {
     CAttrHandler handler = nullptr;
     CStringView helpText = {};  // one line
 
+    // A copy with one field changed. It stands ahead of its uses: clang wants it defined there for constants.
+    template <class Field, class Value>
+    constexpr CAttrInfo with(Field CAttrInfo::*field, Value value) const {
+        CAttrInfo copy = *this;
+        copy.*field = value;
+        return copy;
+    }
+
     constexpr CAttrInfo required() const { return with(&CAttrInfo::isRequired, true); }
     constexpr CAttrInfo numbered() const { return with(&CAttrInfo::isNumbered, true); }
     constexpr CAttrInfo byDefault(CStringView text) const { return with(&CAttrInfo::defaultText, text); }
@@ -92,14 +100,6 @@ struct CAttrInfo {
     };
     template <class Member>
     using OwnerOf = typename Owner<Member>::Type;
-
-private:
-    template <class Field, class Value>
-    constexpr CAttrInfo with(Field CAttrInfo::*field, Value value) const {
-        CAttrInfo copy = *this;
-        copy.*field = value;
-        return copy;
-    }
 };
 
 // Begins a row.
