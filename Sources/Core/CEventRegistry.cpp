@@ -90,24 +90,32 @@ CError* CEventRegistry::dispatch(CStringView senderName, CStringView eventName, 
     const CRef<CEventRegistry> keep(this);  // a handler may release the whole tree
     CSenders::iterator place;
     CError* error = nullptr;
+    bool isEndless = false;
+    int dropped = 0;
     {
         const CLock lock(m_lock);
         place = m_senders.locate(senderName);
         if (!place) return nullptr;
-        CSender& sender = place->value;
-        if (sender.dispatches >= kMaxNesting) {
-            logLine("Event '%s' was dropped: events fire each other without end. // %s", eventName, senderName);
-            return nullptr;
+        isEndless = m_dispatches >= kMaxNesting;
+        if (!isEndless) {
+            CSender& sender = place->value;
+            if (sender.dispatches == 0 && sender.calls.count() > kMaxLeftCalls) {
+                dropped = sender.calls.count();
+                sender.calls.clear();
+            }
+            ++sender.dispatches;
+            ++m_dispatches;
+            error = distribute(sender, senderName, eventName, args);
         }
-        if (sender.dispatches == 0 && sender.calls.count() > kMaxLeftCalls) {
-            logLine("%i event calls that followed failed ones were dropped. // %s", sender.calls.count(), senderName);
-            sender.calls.clear();
-        }
-        ++sender.dispatches;
-        error = distribute(sender, senderName, eventName, args);
     }
+    if (isEndless) {
+        logLine("Event '%s' was dropped: events fire each other without end. // %s", eventName, senderName);
+        return nullptr;
+    }
+    if (dropped > 0) logLine("%i event calls that followed failed ones were dropped. // %s", dropped, senderName);
     if (error == nullptr) error = runCalls(place->value);
     const CLock lock(m_lock);
+    --m_dispatches;
     --place->value.dispatches;
     removeIfUnused(place);
     return error;

@@ -22,8 +22,9 @@ namespace brt {
 
 class CEventRegistry final : public CCounted {
 public:
-    // Dispatches of one sender inside each other; beyond, events that fire each other are taken for an endless loop.
-    static constexpr int kMaxNesting = 100;
+    // Dispatches inside each other; beyond, events that fire each other are taken for an endless loop. It is counted
+    // for the tree, since a circle may go through any number of senders, and each level takes its part of the stack.
+    static constexpr int kMaxNesting = 200;
     // Calls left waiting by handlers' errors that a sender's next event still runs; more are dropped.
     static constexpr int kMaxLeftCalls = 1000;
 
@@ -56,6 +57,7 @@ private:
 
     mutable CCriticalSection m_lock{500};
     CSenders m_senders BRT_GUARDED_BY(m_lock);
+    int m_dispatches BRT_GUARDED_BY(m_lock) = 0;  // under way, of all senders
 };
 
 }  // namespace brt

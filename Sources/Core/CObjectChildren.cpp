@@ -106,7 +106,7 @@ void CObject::hang(CObject* child, CStringView name, int index) {
     if (!fullName.isEmpty()) fullName += ".";
     fullName += name;
     if (index != 0) fullName.append("#").append(integerText(index));
-    child->m_attributes.findOrInsert(kFullName).setText(fullName);
+    child->m_attributes.findOrInsert(kFullName).setRawText(fullName);  // names come from users too
     m_children.append(child);
 }
 

@@ -79,9 +79,12 @@ void CObject::releaseBridged() {
         return;
     }
     if (std::exchange(links().isReleasePosted, true)) return;
-    CAttrMap args;
-    args.findOrInsert(eventArg::kSenderId).setInteger(m_id);
-    above->post(getFullName(), "release-child-bridged", args);
+    CRef<CEventArgs> args(new CEventArgs({}));
+    args->setText(eventArg::kSender, getFullName());
+    args->setInteger(eventArg::kSenderId, m_id);
+    CError* const error = above->send(std::move(args), "release-child-bridged");
+    if (error) links().isReleasePosted = false;  // it may be asked again
+    reportError(error);
 }
 
 // By the time that it comes, the object may have gone, and another may have got its name.

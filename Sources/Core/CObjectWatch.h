@@ -34,7 +34,7 @@ inline CObjectWatch::CObjectWatch(CObject& object) noexcept : m_object(&object),
 }
 
 inline CObjectWatch::~CObjectWatch() {
-    if (m_object != nullptr && !m_object->isReadOnly()) m_object->m_watches = m_outer;
+    if (m_object != nullptr && m_object->m_watches == this) m_object->m_watches = m_outer;
 }
 
 }  // namespace brt

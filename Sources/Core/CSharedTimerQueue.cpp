@@ -13,6 +13,7 @@ constinit int s_users BRT_GUARDED_BY(s_lock) = 0;
 constinit CTimerQueue* s_queue BRT_GUARDED_BY(s_lock) = nullptr;
 constinit bool s_isRunning BRT_GUARDED_BY(s_lock) = false;
 
+// Joins the thread under the lock, which so keeps others from starting it again meanwhile; callbacks never take it.
 void stopQueue() BRT_REQUIRES(s_lock) {
     if (!s_isRunning) return;
     s_isRunning = false;
@@ -53,9 +54,15 @@ int CSharedTimerQueue::add(CTimerQueue::TimerId& id, CTimerQueue::Callback callb
     return 0;
 }
 
+// Waits for the callback without the lock: the timers of other instances don't wait along. The queue stays as long as
+// the caller is a user.
 void CSharedTimerQueue::cancel(CTimerQueue::TimerId id) {
-    const CLock lock(s_lock);
-    if (s_queue != nullptr) s_queue->cancel(id);
+    CTimerQueue* queue = nullptr;
+    {
+        const CLock lock(s_lock);
+        queue = s_queue;
+    }
+    if (queue != nullptr) queue->cancel(id);
 }
 
 }  // namespace brt

@@ -10,7 +10,9 @@ CTargetLink::~CTargetLink() { unlisten(); }
 void CTargetLink::init(CObject& owner, CStringView fixedPath, CStringView changeEvent, CObject* eventRunner,
                        CStringView attrName) {
     m_owner = &owner;
-    m_eventRunner = eventRunner ? eventRunner : &owner;
+    const bool isAnother = eventRunner && eventRunner != &owner;
+    m_runnerName = !isAnother ? CStringView() : eventRunner->parent() ? eventRunner->getFullName() : CStringView("/");
+    m_runnerId = isAnother ? eventRunner->id() : -1;
     m_fixedPath = fixedPath;
     m_changeEvent = changeEvent;
     m_attrName = attrName;
@@ -36,7 +38,15 @@ void CTargetLink::update() {
     if (!m_targetName.isEmpty())
         for (const auto& [eventName, handlerName] : m_handlers)
             m_owner->listenObject(m_targetName, eventName, handlerName);
-    if (!m_changeEvent.isEmpty()) reportError(m_eventRunner->runEvent(m_changeEvent));
+    CObject* const runner = m_changeEvent.isEmpty() ? nullptr : eventRunner();
+    if (runner) reportError(runner->runEvent(m_changeEvent));
+}
+
+// Null once it has gone.
+CObject* CTargetLink::eventRunner() const {
+    if (m_runnerName.isEmpty()) return m_owner;
+    CObject* const runner = m_owner->findObject(m_runnerName);
+    return runner && runner->id() == m_runnerId ? runner : nullptr;
 }
 
 CObject* CTargetLink::find() {

@@ -24,8 +24,8 @@ public:
     ~CTargetLink() override;
 
     // `owner` links and listens. The path is that in its attribute `attrName`, or `fixedPath` where the name is empty
-    // or the owner has no such attribute. `changeEvent`, unless empty, is run on `eventRunner` (null: the owner) by
-    // each `update`. Does the first `update`.
+    // or the owner has no such attribute. `changeEvent`, unless empty, is run by each `update` on `eventRunner`, an
+    // object of the owner's tree, as long as that is there (null: the owner). Does the first `update`.
     void init(CObject& owner, CStringView fixedPath, CStringView changeEvent, CObject* eventRunner,
               CStringView attrName);
 
@@ -42,10 +42,12 @@ protected:
     CObject* find();
 
 private:
+    CObject* eventRunner() const;
     void unlisten();
 
     CObject* m_owner = nullptr;
-    CObject* m_eventRunner = nullptr;
+    CString m_runnerName;  // path of the object that runs the event; empty: the owner
+    int m_runnerId = -1;
     CString m_attrName;
     CString m_fixedPath;
     CString m_changeEvent;

@@ -20,11 +20,15 @@ struct CUpdateNotifier::CPass {
     const std::int64_t key;
     const std::uint32_t thread = currentThreadId();
     bool isBegun = false;
-    bool isNotifierGone = false;            // destroyed by an `update` of this pass's own thread
     std::uint64_t end = 0;                  // orders above it attached later
     std::uint64_t order = 0;                // of the listener told last
     const CUpdateListener* busy = nullptr;  // whose `update` runs; perhaps gone, so only for comparison
     CPass* next = nullptr;
+
+    // Once an `update` of the pass's own thread has destroyed the notifier: the first of this thread's passes, which
+    // lie within each other, and there those who still wait for an `update` in one of them.
+    CPass* outermost = nullptr;
+    CWaiter* waiters = nullptr;
 };
 
 // A thread that waits for other threads' calls, on its stack.
@@ -37,6 +41,7 @@ struct CUpdateNotifier::CWaiter {
 
 CUpdateNotifier::~CUpdateNotifier() {
     CWaiter waiter{.listener = nullptr};
+    CPass* outermost = nullptr;
     bool mustWait = false;
     {
         const CLock attachLock(s_attachLock);
@@ -47,14 +52,18 @@ CUpdateNotifier::~CUpdateNotifier() {
         m_listeners.clear();
         for (CPass* pass = m_passes; pass != nullptr; pass = pass->next) {
             if (pass->thread == currentThreadId())
-                pass->isNotifierGone = true;
+                outermost = pass;
             else
                 ++waiter.calls;
         }
+        for (CPass* pass = m_passes; pass != nullptr; pass = pass->next)
+            if (pass->thread == currentThreadId()) pass->outermost = outermost;
         mustWait = waiter.calls > 0;
         if (mustWait) waiter.next = std::exchange(m_waiters, &waiter);
     }
     if (mustWait) waiter.isServed.wait();
+    const CLock lock(m_lock);
+    if (outermost != nullptr) outermost->waiters = std::exchange(m_waiters, nullptr);
 }
 
 std::int64_t CUpdateNotifier::mapKey(const CUpdateFilter& filter) { return filter.number; }
@@ -63,7 +72,7 @@ void CUpdateNotifier::notify(const CUpdateData* data) {
     CPass pass{.key = data != nullptr ? data->key : 0};
     while (CUpdateListener* const listener = advance(pass)) {
         listener->update(data);
-        if (pass.isNotifierGone) return;
+        if (pass.outermost != nullptr) return letGo(takeServed(pass.outermost->waiters, pass.busy));
     }
 }
 
@@ -77,18 +86,18 @@ CUpdateListener* CUpdateNotifier::advance(CPass& pass) {
             pass.isBegun = true;
             pass.end = m_lastOrder;
             pass.next = std::exchange(m_passes, &pass);
-        } else if (m_waiters != nullptr) {
-            served = takeServed(pass.busy);
+        } else {
+            served = takeServed(m_waiters, pass.busy);
         }
         next = m_isEnding ? nullptr : nextListener(pass);
         pass.busy = next;
         if (next == nullptr) {
             removePass(pass);
-            if (CWaiter* const destroyer = takeServed(nullptr)) destroyer->next = std::exchange(served, destroyer);
+            if (CWaiter* const destroyer = takeServed(m_waiters, nullptr))
+                destroyer->next = std::exchange(served, destroyer);
         }
     }
-    // Not under the lock: who destroys the notifier takes it along. Read first: a waiter that is let go is gone.
-    while (served != nullptr) std::exchange(served, served->next)->isServed.signal();
+    letGo(served);  // not under the lock: who destroys the notifier takes it along
     return next;
 }
 
@@ -109,9 +118,9 @@ void CUpdateNotifier::removePass(const CPass& pass) {
 
 // Counts one call less for those who wait for calls of that listener; takes out and returns those for whom it was the
 // last.
-CUpdateNotifier::CWaiter* CUpdateNotifier::takeServed(const CUpdateListener* listener) {
+CUpdateNotifier::CWaiter* CUpdateNotifier::takeServed(CWaiter*& waiters, const CUpdateListener* listener) {
     CWaiter* served = nullptr;
-    for (CWaiter** link = &m_waiters; *link != nullptr;) {
+    for (CWaiter** link = &waiters; *link != nullptr;) {
         CWaiter& waiter = **link;
         if (waiter.listener == listener && --waiter.calls == 0) {
             *link = waiter.next;
@@ -121,6 +130,11 @@ CUpdateNotifier::CWaiter* CUpdateNotifier::takeServed(const CUpdateListener* lis
         }
     }
     return served;
+}
+
+// Reads the link first: a waiter that is let go is gone.
+void CUpdateNotifier::letGo(CWaiter* served) {
+    while (served != nullptr) std::exchange(served, served->next)->isServed.signal();
 }
 
 std::uint64_t CUpdateNotifier::link(CUpdateListener& listener, std::int64_t key) {

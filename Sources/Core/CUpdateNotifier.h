@@ -61,7 +61,8 @@ private:
     CUpdateListener* advance(CPass& pass);
     CUpdateListener* nextListener(CPass& pass) BRT_REQUIRES(m_lock);
     void removePass(const CPass& pass) BRT_REQUIRES(m_lock);
-    CWaiter* takeServed(const CUpdateListener* listener) BRT_REQUIRES(m_lock);
+    static CWaiter* takeServed(CWaiter*& waiters, const CUpdateListener* listener);
+    static void letGo(CWaiter* served);
 
     CCriticalSection m_lock;
     COrderedMap<std::int64_t, CListeners> m_listeners BRT_GUARDED_BY(m_lock);

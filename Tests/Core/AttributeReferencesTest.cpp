@@ -93,6 +93,11 @@ TEST_F(References, takeTheTextOfUsersAsItIs) {
     EXPECT_FALSE(view().findAttr("test")->isRaw());
     setRaw(view(), "open", "{secret");
     EXPECT_EQ(expand("{open}}"), "{secret}");
+    // A name may be a user's too.
+    CObject& named = *add(window(), "{tone}");
+    set(window(), "tone", "warm");
+    set(named, "test", "{full-name}");
+    EXPECT_EQ(named.getAttrString("test"), "window.{tone}");
 }
 
 TEST_F(References, thatNeverEndAreKeptAsFarAsTheyCame) {

@@ -4,8 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cerrno>
 #include <functional>
 #include <string>
+
+#include "RefusedThreads.h"
 
 namespace brt {
 namespace {
@@ -127,6 +130,18 @@ TEST(CThread, itsNameIsKnownWhileItRuns) {
     named.stopThread();
     EXPECT_FALSE(CThread::findName(named.threadId(), name));
     EXPECT_EQ(name, CStringView("before"));
+}
+
+TEST(CThread, thatTheSystemRefusesMayBeStartedLater) {
+    std::atomic<int> runs{0};
+    TestThread thread([&](TestThread&) { return ++runs, nullptr; });
+    {
+        const RefusedThreads refused;
+        EXPECT_EQ(messageOf(thread.runThread()), "Thread creation error " + std::to_string(EAGAIN) + ".");
+        EXPECT_FALSE(thread.isRunning());
+    }
+    EXPECT_EQ(messageOf(thread.runThread()), "");
+    waitForReturn(runs, 1);
 }
 
 std::atomic<int> g_windows{0};

@@ -6,6 +6,7 @@
 
 #include "EventFixture.h"
 #include "Platform/Clock.h"
+#include "RefusedThreads.h"
 
 namespace brt {
 namespace {
@@ -211,6 +212,18 @@ TEST_F(Timers, handleEachTickOnce) {
     EXPECT_EQ(messageOf(tick.runEvent("sys-tick")), "");
     EXPECT_EQ(takeJournal(), (Journal{"listener on-x tick -"}));
     listener.unlistenObject("ui.timer", "tick");
+}
+
+TEST_F(Timers, failWhereTheQueuesThreadIsRefused) {
+    CTimerQueued& tick = timer();
+    listenTo(tick);
+    {
+        const RefusedThreads refused;
+        EXPECT_EQ(messageOf(tick.setAttr("interval", "0.5", kImmediate)), "Timer queue creation error.");
+        EXPECT_FALSE(tick.isTimerActive());
+    }
+    set(tick, "interval", "0.001");
+    EXPECT_TRUE(waitForTicks(1));
 }
 
 TEST_F(Timers, comeAndGoByTheThousand) {

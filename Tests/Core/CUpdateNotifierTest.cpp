@@ -146,6 +146,26 @@ TEST(CUpdateNotifier, detachingAndDestroyingWaitForAnUpdateElsewhere) {
     waitsForTheUpdate(*notifier, step, [&] { notifier.reset(); });
 }
 
+// The `update` that another thread waits for destroys the notifier, from within a second one.
+TEST(CUpdateNotifier, anUpdateThatDestroysItKeepsNobodyWaiting) {
+    std::atomic<int> step{0};
+    auto notifier = std::make_unique<CUpdateNotifier>();
+    bool isOuter = true;
+    CEar ear([&](const CUpdateData*) {
+        if (std::exchange(isOuter, false)) {
+            notifier->notify();
+            sleepSeconds(0.005);
+            step = 3;
+        } else {
+            step = 1;
+            while (step != 2) yieldThread();
+            notifier.reset();
+        }
+    });
+    ear.attach(notifier.get());
+    waitsForTheUpdate(*notifier, step, [&] { ear.detach(); });
+}
+
 class CMeter {
 public:
     explicit CMeter(CUpdateNotifier& notifier) { m_listener.attach(&notifier); }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 // Events that come over a bridge: to another thread, or later on the same one.
+#include <sys/resource.h>
+
 #include <atomic>
 #include <thread>
 
@@ -164,6 +166,7 @@ TEST_F(EventBridge, whatFailsIsShownOnALoopsThreadAlone) {
     EXPECT_TRUE(isLogged(message));
     view.postEvent("test", "on-x", {});
     EXPECT_TRUE(s_isWindowAsked);
+    view.releaseBridged();
     setErrorWindow(nullptr);
 
     CActor& sender = actor("sender");
@@ -172,6 +175,24 @@ TEST_F(EventBridge, whatFailsIsShownOnALoopsThreadAlone) {
     elsewhere([&] { EXPECT_EQ(messageOf(senderAddress->fire("x")), message); });
     loop->removeTarget(idle.target());
     EXPECT_FALSE(pump()) << "an event that was refused doesn't wait here";
+    view.releaseBridged();
+    EXPECT_TRUE(pump());
+    EXPECT_EQ(ui().findChild("view"), nullptr) << "a release that was refused may be asked for again";
+}
+
+TEST_F(EventBridge, withoutALoopFailsAndDropsWhatItIsSent) {
+    CObject& top = root();
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    rlimit none = before;
+    none.rlim_cur = 0;
+    setrlimit(RLIMIT_NOFILE, &none);
+    CObject* bridge = nullptr;
+    const std::string message = messageOf(top.createChild(bridge, "ui:ui-event-bridge", "ui", kTemplateOptional));
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_EQ(message, "Message loop creation error " + std::to_string(EMFILE) + ".");
+    actor("view", *bridge).postEvent("test", "on-x", {});
+    EXPECT_FALSE(pump());
 }
 
 }  // namespace
