@@ -6,6 +6,8 @@
 
 #include "Core/CParallelSection.h"
 #include "Core/CProcess.h"
+#include "Core/Log.h"
+#include "LoadedTree.h"
 #include "Platform/CAutoResetEvent.h"
 #include "Platform/CLockFreeList.h"
 #include "Platform/CTimerQueue.h"
@@ -38,9 +40,10 @@ bool runSection() {
 
 }  // namespace
 
-// Returns how many calls came since the load, which is 5 in a module that is fresh, or a negative number for a failure.
-// Writes the module's path as the system has it.
-extern "C" __attribute__((visibility("default"))) int exerciseModule(char* path, std::size_t room) {
+// Returns how many calls came since the load, which is 7 in a module that is fresh, or a negative number for a failure.
+// Writes the module's path as the system has it. Leaves threads behind for the unload, whose last lines go to the log.
+extern "C" __attribute__((visibility("default"))) int exerciseModule(char* path, std::size_t room,
+                                                                     const char* logFile) {
     const std::string modulePath = brt::pathToSystem(brt::modulePath());
     if (modulePath.size() >= room) return -1;
     std::strcpy(path, modulePath.c_str());
@@ -64,6 +67,9 @@ extern "C" __attribute__((visibility("default"))) int exerciseModule(char* path,
         const brt::CProcessInstance instance;
         if (!runSection()) return -6;
     }
+    brt::setLogFile(brt::CString::fromUtf8(logFile));
+    if (!exerciseTree()) return -7;
+    if (!runSection()) return -8;
     // The library's own templates bring static data along, which pins a module that is compiled carelessly.
     const auto shared = std::make_shared<int>(brt::processorCount());
     return *shared > 0 ? g_calls.load() : -5;
