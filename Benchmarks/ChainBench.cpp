@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
-// The whole chain of one channel, per host sample: every build, hard and soft, by host block; the longest call; input
-// that is no sound; and what stands between the FFT stages alone. Names: chain/BUILD/CURVE/BLOCK.
+// The whole chain of one channel, per host sample: every build, hard and soft, by host block; the longest call; the
+// memory; input that is no sound; and what stands between the FFT stages alone. Names: chain/BUILD/CURVE/BLOCK.
 #include "Builds.h"
 #include "Modules/CHalyardCore.h"
 #include "RingsAvx2.h"
 #include "Targets.h"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <limits>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -79,6 +82,26 @@ void longestCall(benchmark::State& state, ProcessorBuild build, double hardness)
     state.SetItemsProcessed(state.iterations() * block);
 }
 
+// What one more channel takes from the heap, as the heap itself counts; what channels share is there already.
+void memory(benchmark::State& state, ProcessorBuild build) {
+    constexpr std::size_t channels = 16;
+    const auto heapBytes = [] {
+        const struct mallinfo2 info = mallinfo2();
+        return static_cast<double>(info.uordblks + info.hblkhd);
+    };
+    double megabytes = 0.0;
+    for (auto _ : state) {
+        const CHalyardCore first(build);
+        std::vector<std::unique_ptr<CHalyardCore>> more(channels);
+        // What earlier channels have left in the pool would cost these nothing.
+        brt::CRealFFTPool::instance().freeAll();
+        const double before = heapBytes();
+        for (auto& core : more) core = std::make_unique<CHalyardCore>(build);
+        megabytes = (heapBytes() - before) / channels / 1e6;
+    }
+    state.counters[bench::kMegabytes] = megabytes;
+}
+
 // The half-band stages and the clipping function alone, per host sample.
 void segments(benchmark::State& state, ProcessorBuild build, double hardness) {
     constexpr int block = brt::CSegmentCascade::kSubBlock;
@@ -144,6 +167,9 @@ void registerBuild(ProcessorBuild build) {
                                          segments, build, hardness);
         }
     }
+    benchmark::RegisterBenchmark((prefix + "/memory").c_str(), memory, build)->Iterations(1);
+    bench::addTarget({name + ": memory of a channel", prefix + "/memory/iterations:1", "", Target::kAtMost, 0.5, 0.3});
+
     const std::vector<double> notNumbers(kSignalLength, std::numeric_limits<double>::quiet_NaN());
     const std::vector<double> denormals(kSignalLength, 1e-310);
     benchmark::RegisterBenchmark((prefix + "/soft/512/nan").c_str(), chain, build, kSoft, 512, notNumbers);

@@ -13,7 +13,12 @@ std::vector<Target>& targets() {
     return list;
 }
 
-// Prints as usual and keeps the median time of every benchmark.
+struct Figure {
+    double value;
+    const char* unit;
+};
+
+// Prints as usual and keeps the median figure of every benchmark.
 class MedianReporter : public benchmark::ConsoleReporter {
 public:
     MedianReporter() : ConsoleReporter(OO_Tabular) {}
@@ -28,24 +33,26 @@ public:
         ConsoleReporter::ReportRuns(shown);
     }
 
-    // Median nanoseconds of the named benchmark; negative if it did not run.
-    double median(const std::string& name) const {
+    // Of the named benchmark; null if it did not run.
+    const Figure* median(const std::string& name) const {
         const auto found = m_medians.find(name);
-        return found == m_medians.end() ? -1.0 : found->second;
+        return found == m_medians.end() ? nullptr : &found->second;
     }
 
 private:
     void keep(const Run& run) {
         // The median's rate of items is in its counters; a time without items is that of an iteration.
-        const auto rate = run.counters.find("items_per_second");
-        const double nanoseconds =
-            rate != run.counters.end()
-                ? 1e9 / rate->second.value
-                : run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit) * 1e9;
-        m_medians[run.run_name.str()] = nanoseconds;
+        const auto bytes = run.counters.find(kMegabytes), rate = run.counters.find("items_per_second");
+        Figure& figure = m_medians[run.run_name.str()];
+        if (bytes != run.counters.end())
+            figure = {bytes->second.value, kMegabytes};
+        else if (rate != run.counters.end())
+            figure = {1e9 / rate->second.value, "ns"};
+        else
+            figure = {run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit) * 1e9, "ns"};
     }
 
-    std::map<std::string, double> m_medians;
+    std::map<std::string, Figure> m_medians;
 };
 
 const char* verdict(const Target& target, double figure) {
@@ -59,11 +66,11 @@ const char* verdict(const Target& target, double figure) {
 void printTable(const MedianReporter& medians) {
     std::printf("\n%-58s %10s %12s %10s\n", "target", "figure", "target", "stretch");
     for (const Target& target : targets()) {
-        double figure = medians.median(target.benchmark);
-        const double divisor = target.against.empty() ? 1.0 : medians.median(target.against);
-        if (figure < 0 || divisor < 0) continue;
-        figure /= divisor;
-        const char* unit = target.against.empty() ? "ns" : "x";
+        const Figure *measured = medians.median(target.benchmark), *divisor = medians.median(target.against);
+        const bool isRatio = !target.against.empty();
+        if (measured == nullptr || (isRatio && divisor == nullptr)) continue;
+        const double figure = isRatio ? measured->value / divisor->value : measured->value;
+        const char* unit = isRatio ? "x" : measured->unit;
         std::printf("%-58s %8.2f%-2s %s %8.2f%-2s ", target.what.c_str(), figure, unit,
                     target.bound == Target::kAtMost ? "<=" : ">=", target.target, unit);
         if (target.stretch > 0)

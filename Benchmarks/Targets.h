@@ -14,7 +14,7 @@ struct Target {
 
     std::string what;       // in words, as the table prints it
     std::string benchmark;  // the benchmark's full name
-    std::string against;    // its time divides that of `benchmark`; empty: the time itself counts, in nanoseconds
+    std::string against;    // its figure divides that of `benchmark`; empty: the figure itself counts
     Bound bound;
     double target;
     double stretch;  // 0: none
@@ -22,7 +22,9 @@ struct Target {
 
 // Called by static objects of the benchmark files:
 //   static const bool kTargets = bench::addTarget({"blocks of 64 against 512", "chain/avx2/hard/64", ...});
-// Times are those of one item where a benchmark calls SetItemsProcessed, else of one iteration.
+// A figure is the counter kMegabytes where a benchmark sets it; else a time in nanoseconds, of one item where it calls
+// SetItemsProcessed, else of one iteration.
+inline constexpr const char* kMegabytes = "MB";
 bool addTarget(const Target& target);
 
 // Runs the chosen benchmarks interleaved, prints them, and then the table of targets. Returns the process's exit

@@ -20,10 +20,10 @@ CHalyardCore::CHalyardCore(ProcessorBuild build) : m_build(build), m_fftUp(build
     static_assert(kHop % CSegmentCascade::kSubBlock == 0, "the last sub-block of a hop ends with the hop");
     BRT_ASSERT(m_fftUp.latency() == kFftUpLatency);
     BRT_ASSERT(m_fftUp.geometry().newPerBlock == 2 * kHop && m_fftDown.geometry().newPerBlock == 2 * kHop);
-    if (CSegmentCascade::existsFor(build))
-        m_segments.reset(new (std::nothrow) CSegmentCascade(build));
-    else
+    if (!CSegmentCascade::existsFor(build))
         m_rings.reset(new (std::nothrow) CRingCascade(kCascadeStages));
+    else if (m_arrivedWith.allocate(kHop))
+        m_segments.reset(new (std::nothrow) CSegmentCascade(build));
     reset();
 }
 
@@ -82,7 +82,7 @@ void CHalyardCore::processSegments(const double* in, double* out, int sampleCoun
         const int count = std::min(sampleCount, kHop - m_arrived);
         m_fftUp.write(in, count);
         m_fftDown.read(out, 2 * count);
-        std::fill_n(m_arrivedWith + m_arrived, count, now);
+        std::fill_n(m_arrivedWith.data() + m_arrived, count, now);
         m_arrived += count;
         in += count;
         out += count;
@@ -106,7 +106,7 @@ void CHalyardCore::clipWhatIsComplete() noexcept {
     alignas(kCacheLineBytes) double samples[2 * subBlock];
     while (m_arrived - m_clipped >= subBlock) {
         m_fftUp.read(samples, 2 * subBlock);
-        m_segments->process(samples, m_arrivedWith + m_clipped, samples);
+        m_segments->process(samples, m_arrivedWith.data() + m_clipped, samples);
         m_fftDown.write(samples, 2 * subBlock);
         m_clipped += subBlock;
     }

@@ -19,6 +19,7 @@
 
 #include <memory>
 
+#include "Modules/CAlignedBlock.h"
 #include "Modules/CFFTDownsampler.h"
 #include "Modules/CFFTUpsampler.h"
 #include "Modules/CRingCascade.h"
@@ -77,7 +78,7 @@ private:
     // settings.
     int m_arrived = 0;
     int m_clipped = 0;
-    ClipSettings m_arrivedWith[kHop];
+    CAlignedBlock<ClipSettings> m_arrivedWith;  // kHop of them
 };
 
 }  // namespace brt
