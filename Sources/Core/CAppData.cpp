@@ -22,8 +22,8 @@ constinit std::atomic<CAppDataGlobal*> s_global{nullptr};
 constinit std::atomic<CAppDataGroup*> s_group{nullptr};
 constinit std::atomic<CAppDataLocal*> s_local{nullptr};
 
+// Under no lock: a listener that still runs is waited for, and may ask for a store.
 void deleteStores() {
-    const CLock lock(s_storesLock);
     delete s_local.exchange(nullptr);
     delete s_group.exchange(nullptr);
     delete s_global.exchange(nullptr);
@@ -126,6 +126,10 @@ bool CAppData::isOutdated(const CKey& key, std::uint64_t change) {
 }
 
 void CAppData::setData(CStringView key, const CByteBuffer& buffer, const void* sender, std::uint32_t tag) {
+    if (buffer.size() > kDefaultBlockLimitBytes) {
+        logLine("Setting '%s' is not stored: its %i bytes could not be read back.", key, buffer.size());
+        return;
+    }
     CKey* const known = findKey(key);
     if (!known || !m_files.prepareToWrite()) return;
     std::uint64_t change = 0;

@@ -11,9 +11,11 @@
 namespace brt {
 
 template <class T>
-class CAppDataListener : public COwnedUpdateListener<T> {
+class CAppDataListener final : public COwnedUpdateListener<T> {
 public:
     using COwnedUpdateListener<T>::COwnedUpdateListener;
+    // Here, and not in the base: meanwhile another thread may be about to call `update`.
+    ~CAppDataListener() override { this->detach(); }
 
     // [any] Leaves the store or key that it listened to.
     void listen(CAppData& store, CStringView key) { this->attach(&store, CUpdateFilter(key)); }

@@ -43,7 +43,8 @@ CError* CAttrDoubler::attrValue(const CAttrValue& value) {
                 getFullName());
         return nullptr;
     }
-    const CAttrValue copied = value;
+    CAttrValue copied;
+    copied = value;
     const CString attrName = m_attrName;
     const CObjectWatch watch(*this);
     m_isCopying = true;

@@ -75,6 +75,10 @@ TEST_F(AppDataThreads, theLastChangeIsTheOneThatStays) {
             threads.emplace_back([&, thread] {
                 for (int i = 0; i < 3; ++i) store.setString("k", valueOf(thread * 5 + i));
             });
+        // Reads the file while newer values wait to be written to it.
+        threads.emplace_back([&] {
+            for (int i = 0; i < 20; ++i) bytes(store, "k", appDataTag::kString, kForcedRead);
+        });
         for (std::thread& thread : threads) thread.join();
         CAppDataLocal fresh(moduleFolder());
         EXPECT_EQ(read(fresh, "k"), read(store, "k"));
