@@ -6,10 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "Core/CApplication.h"
+#include "BenchTree.h"
 #include "Core/CBrtMemAllocator.h"
 #include "Core/CDocumentWriter.h"
 #include "Core/CError.h"
+#include "Core/CoreTags.h"
 #include "Core/LittleEndian.h"
 #include "Targets.h"
 
@@ -24,7 +25,11 @@ constexpr int kElements = kGroups * (kElementsInGroup + 1);
 const bool kTargets =
     bench::addTarget({"load of 1,500 elements with 10 attributes each, ns", "tree/load/manual_time", "",
                       bench::Target::kAtMost, 15e6, 8e6}) &&
-    bench::addTarget({"release of the same, ns", "tree/release/manual_time", "", bench::Target::kAtMost, 5e6, 2e6});
+    bench::addTarget({"release of the same, ns", "tree/release/manual_time", "", bench::Target::kAtMost, 5e6, 2e6}) &&
+    bench::addTarget(
+        {"path of five steps looked up, ns", "tree/find_path_of_5", "", bench::Target::kAtMost, 600, 300}) &&
+    bench::addTarget({"attribute read as a number, converted before, ns", "tree/read_cached_double", "",
+                      bench::Target::kAtMost, 30, 15});
 
 // As wide as a view's class: some forty attributes, most with a handler.
 class CBenchView : public CObject {
@@ -110,19 +115,8 @@ const std::vector<std::uint8_t>& documentResource() {
     return resource;
 }
 
-void startApplication() {
-    static const bool isStarted = [] {
-        static constexpr CCreatorRow kTags[] = {creatorRow<CBenchView>("bench:view")};
-        static constexpr std::span<const CCreatorRow> kTables[] = {kTags};
-        static const CResourceRow kResources[] = {{documentResource().data(), "Bench.xml"}, {nullptr, nullptr}};
-        CApplication::start({kTables, kResources, ""});
-        return true;
-    }();
-    benchmark::DoNotOptimize(isStarted);
-}
-
 CObject* loadTree(benchmark::State& state) {
-    startApplication();
+    bench::startApplication();
     CObject* root = nullptr;
     if (discardError(CApplication::initRootObject(root, "Bench.xml"))) state.SkipWithError("the document doesn't load");
     return root;
@@ -166,7 +160,7 @@ double bytesHeld() {
 constexpr double kRightBytesPerElement = 320 + 176 + 11 * 176 + 160;
 
 void memory(benchmark::State& state) {
-    startApplication();
+    bench::startApplication();
     const double before = bytesHeld();
     CObject* const root = loadTree(state);
     const double held = bytesHeld() - before;
@@ -203,3 +197,14 @@ void setAttribute(benchmark::State& state) {
 BENCHMARK(setAttribute)->Name("tree/set_and_handle");
 
 }  // namespace
+
+void bench::startApplication() {
+    static const bool isStarted = [] {
+        static constexpr CCreatorRow kTags[] = {creatorRow<CBenchView>("bench:view")};
+        const std::span<const CCreatorRow> tables[] = {coreTags(), kTags, eventTags()};
+        static const CResourceRow kResources[] = {{documentResource().data(), "Bench.xml"}, {nullptr, nullptr}};
+        CApplication::start({tables, kResources, ""});
+        return true;
+    }();
+    benchmark::DoNotOptimize(isStarted);
+}
