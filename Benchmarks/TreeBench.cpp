@@ -27,7 +27,7 @@ const bool kTargets =
                       bench::Target::kAtMost, 15e6, 8e6}) &&
     bench::addTarget({"release of the same, ns", "tree/release/manual_time", "", bench::Target::kAtMost, 5e6, 2e6}) &&
     bench::addTarget(
-        {"path of five steps looked up, ns", "tree/find_path_of_5", "", bench::Target::kAtMost, 600, 300}) &&
+        {"path of five steps looked up, ns", "tree/find_path_of_5", "", bench::Target::kAtMost, 500, 300}) &&
     bench::addTarget({"attribute read as a number, converted before, ns", "tree/read_cached_double", "",
                       bench::Target::kAtMost, 30, 15});
 
