@@ -28,8 +28,9 @@ int editDistance(CStringView from, CStringView to) {
     return row.back();
 }
 
-// A third of the letters may be wrong, and at least one.
-CNearName::CNearName(CStringView wrong) noexcept : m_wrong(wrong), m_distance(std::max(1, wrong.length() / 3) + 1) {}
+// A third of the letters may be wrong, and at least one where that leaves one that is right.
+CNearName::CNearName(CStringView wrong) noexcept
+    : m_wrong(wrong), m_distance((wrong.length() > 1 ? std::max(1, wrong.length() / 3) : 0) + 1) {}
 
 void CNearName::consider(CStringView name) {
     if (std::abs(name.length() - m_wrong.length()) >= m_distance) return;

@@ -2,7 +2,7 @@
 // Brings one setting of a store into the tree, as an attribute of this object: those that refer to it, as in
 // "{*/ui.global-data.tablet-mode tablet-mode}", follow the setting.
 //
-//     <core:shared-attribute NAME="tablet-mode" storage-type="global" attribute="tablet-mode" def-value="false"/>
+//     <core:shared-attribute name="tablet-mode" storage-type="global" attribute="tablet-mode" def-value="false"/>
 //
 // The attribute is set at `init`, and again, on the thread of the tree, after each change that any instance of the
 // process has made. Without a bridge above it keeps what it had at `init`.

@@ -130,10 +130,11 @@ std::string CDocumentCheck::faultOfPath(const CElement& element, CStringView pat
     if (target.kind == CDocumentPaths::Target::kUnknown) return {};
     if (target.missingStep.startsWith("^")) return quoted(path) + " leads out of the document";
     CNearName near(target.missingStep);
-    for (const CObject* const child : target.reached->children()) near.consider(child->getShortName());
-    const CStringView place = target.reached->getFullName();
-    return quoted(path) + " leads nowhere: " + (place.isEmpty() ? "the top" : quoted(place)) + " has no child " +
-           quoted(target.missingStep) + near.question();
+    for (const CObject* const child : target.object->children()) near.consider(child->getShortName());
+    const std::string place = target.element->isRoot()   ? "the document"
+                              : target.element->isBody() ? "the template's element"
+                                                         : quoted(target.object->getFullName());
+    return quoted(path) + " leads nowhere: " + place + " has no child " + quoted(target.missingStep) + near.question();
 }
 
 std::string CDocumentCheck::faultOfTemplate(CStringView name) const {

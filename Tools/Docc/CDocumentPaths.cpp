@@ -83,12 +83,12 @@ CDocumentPaths::Target CDocumentPaths::findFrom(CObject* start, CStringView path
         const CObject* const reached = isStart ? start : start->findObject(path.slice(0, end));
         if (!reached) continue;
         const CElement* const element = *m_elements.find(reached);
-        if (end == path.length()) return {Target::kFound, element};
+        if (end == path.length()) return {Target::kFound, element, reached};
         int stepEnd = end + 1;
         while (stepEnd < path.length() && !isSeparator(path[stepEnd])) ++stepEnd;
         const CStringView step = path.slice(end, stepEnd - end);
         if (isBody && step.startsWith("^")) return {};
-        return {Target::kMissing, nullptr, reached, step};
+        return {Target::kMissing, element, reached, step};
     }
     return {};
 }

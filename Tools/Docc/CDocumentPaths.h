@@ -20,8 +20,8 @@ public:
     struct Target {
         enum Kind { kFound, kMissing, kUnknown };
         Kind kind = kUnknown;
-        const CElement* element = nullptr;  // what was found
-        const CObject* reached = nullptr;   // what lacks the step
+        const CElement* element = nullptr;  // what was found, or what lacks the step
+        const CObject* object = nullptr;    // stands for the element
         CStringView missingStep = {};
     };
 
