@@ -46,17 +46,19 @@ ResourceList readResourceList(const std::string& path) {
     ResourceList list;
     std::istringstream lines(readFile(path));
     int number = 0;
+    const auto fail = [&](const std::string& what) {
+        throw std::runtime_error(path + ":" + std::to_string(number) + ": error: " + what);
+    };
     for (std::string line; std::getline(lines, line);) {
         ++number;
         line = trimmed(line);
         if (line.empty() || line.starts_with("#")) continue;
-        const std::string where = path + ":" + std::to_string(number) + ": error: ";
         const std::size_t equals = line.find('=');
         const std::string name = trimmed(line.substr(0, equals));
         const std::string file = equals == std::string::npos ? "" : trimmed(line.substr(equals + 1));
-        if (name.empty() || file.empty()) throw std::runtime_error(where + "this is not \"name = file\"");
+        if (name.empty() || file.empty()) fail("this is not \"name = file\"");
         if (!list.emplace(name, (fs::path(path).parent_path() / file).string()).second)
-            throw std::runtime_error(where + "resource '" + name + "' stands here twice");
+            fail("resource '" + name + "' stands here twice");
     }
     return list;
 }
@@ -65,20 +67,26 @@ std::string resourceAssembler(const ResourceList& list, const std::string& symbo
     constexpr const char* kNameLetters = "_abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
     if (symbol.empty() || symbol.find_first_not_of(kNameLetters) != std::string::npos || symbol[0] <= '9')
         throw std::runtime_error("'" + symbol + "' is no C name for the table of resources");
-    std::string data = "    .section .rodata\n";
-    std::string table = "    .section .data.rel.ro, \"aw\"\n    .balign 8\n    .globl " + symbol + "\n    .hidden " +
-                        symbol + "\n    .type " + symbol + ", %object\n" + symbol + ":\n";
+    std::ostringstream data;
+    std::ostringstream table;
+    data << "    .section .rodata\n";
+    table << "    .section .data.rel.ro, \"aw\"\n    .balign 8\n    .globl " << symbol << "\n    .hidden " << symbol
+          << "\n    .type " << symbol << ", %object\n"
+          << symbol << ":\n";
     int index = 0;
     for (const auto& [name, file] : list) {
         checkFile(name, file);
         const std::string label = ".Lresource" + std::to_string(index++);
         // The size in front, lowest byte first as all of the table's targets have it.
-        data += "    .balign 16\n" + label + ":\n    .4byte " + label + "end - " + label + " - 4\n    .incbin " +
-                literal(file) + "\n" + label + "end:\n" + label + "name:\n    .asciz " + literal(name) + "\n";
-        table += "    .8byte " + label + ", " + label + "name\n";
+        data << "    .balign 16\n"
+             << label << ":\n    .4byte " << label << "end - " << label << " - 4\n    .incbin " << literal(file) << "\n"
+             << label << "end:\n"
+             << label << "name:\n    .asciz " << literal(name) << "\n";
+        table << "    .8byte " << label << ", " << label << "name\n";
     }
-    table += "    .8byte 0, 0\n    .size " + symbol + ", . - " + symbol + "\n";
-    return data + table + "    .section .note.GNU-stack, \"\", %progbits\n";
+    table << "    .8byte 0, 0\n    .size " << symbol << ", . - " << symbol << "\n"
+          << "    .section .note.GNU-stack, \"\", %progbits\n";
+    return data.str() + table.str();
 }
 
 }  // namespace brt
