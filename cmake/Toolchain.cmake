@@ -2,8 +2,10 @@
 
 find_program(CCACHE ccache)
 if(CCACHE)
-    # The base folder lets several checkouts share one cache.
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${CCACHE})
+    # The base folder lets several checkouts share one cache. What is compiled with a precompiled header is kept only
+    # on trust that nobody defines macros differently in front of it, which the compiler checks itself.
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+        CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
 endif()
 
 find_package(Threads REQUIRED)
