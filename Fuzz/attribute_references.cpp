@@ -15,7 +15,7 @@
 namespace brt::fuzz {
 
 constexpr int kObjects = 3;
-constexpr int kMaxSteps = 100;  // each may follow a thousand references
+constexpr int kMaxSteps = 30;  // each may follow a thousand references
 
 // Notes whether references were followed no further.
 class CLimitWatch : public CLogSink {
