@@ -31,10 +31,16 @@ public:
     // [any] False, with nothing changed, for a rate that no signal has.
     bool setSampleRate(double sampleRateHz) noexcept;
 
+    // [any] Of the whole graph, in samples.
+    int latencySamples() const noexcept { return m_latencySamples.load(std::memory_order_relaxed); }
+    // [audio]
+    void setLatency(int samples) noexcept { m_latencySamples.store(samples, std::memory_order_relaxed); }
+
 private:
     mutable CPriorityLock m_section;
     std::atomic<bool> m_isActive{false};
     std::atomic<double> m_sampleRate{44100.0};
+    std::atomic<int> m_latencySamples{0};
 };
 
 }  // namespace brt

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Audio/CAudioParamCollector.h"
 
+#include "Audio/CSharedParam.h"
 #include "Core/CClassInfo.h"
 #include "Core/CError.h"
 
@@ -15,7 +16,8 @@ void CAudioParamCollector::describeClass(CClassInfo& info) {
 }
 
 CAudioParamCollector::CAudioParamCollector() = default;
-CAudioParamCollector::~CAudioParamCollector() = default;
+// Those who follow stores go before the parameters that they write.
+CAudioParamCollector::~CAudioParamCollector() { m_shared.clear(); }
 
 CError* CAudioParamCollector::init() {
     BRT_TRY(getFullName(), CObject::init());
@@ -80,6 +82,15 @@ bool CAudioParamCollector::isAliased(CStringView name) {
     const CRankedLock lock(m_mapSection);
     const CString* const target = m_aliases.find(name);
     return target != nullptr && *target != name;
+}
+
+void CAudioParamCollector::addShared(CStringView name, CAppData& store, CStringView dataName) {
+    CAudioParam& param = getParam(name);
+    CString key = param.name();
+    key += "=";
+    key += dataName;
+    std::unique_ptr<CSharedParam>& shared = m_shared.findOrInsert(key);
+    if (!shared) shared = std::make_unique<CSharedParam>(param, store, dataName);
 }
 
 void CAudioParamCollector::start() {

@@ -22,6 +22,9 @@
 
 namespace brt {
 
+class CAppData;
+class CSharedParam;
+
 class CAudioParamCollector : public CObject, public CUpdateNotifier {
 public:
     static constexpr int kMergeAbove = 1024;
@@ -47,6 +50,10 @@ public:
     void removeAlias(CStringView name);
     bool isAliased(CStringView name);
 
+    // Ties a parameter to a value in a store of settings, as long as the collector lives; a second tie of one name and
+    // value does nothing.
+    void addShared(CStringView name, CAppData& store, CStringView dataName);
+
     // Registries.
     // [init] Offers all parameters to the registries; from now on each new one at once. Later calls do nothing.
     void start();
@@ -65,6 +72,8 @@ public:
     void takeUpdates(CAudioParamQueue& queue) noexcept BRT_REALTIME;
     // [audio] Applies what was taken.
     void applyUpdates(CAudioParamQueue& queue);
+    // What a process reads whose definition does not know a parameter.
+    const CAudioParamStorage& noValues() const noexcept { return m_noValues; }
     // Changes that wait; for tests and reports.
     int waitingCount() const noexcept { return m_waitingCount.load(std::memory_order_relaxed); }
 
@@ -81,12 +90,14 @@ private:
     CStringView resolveAlias(CStringView name) const BRT_REQUIRES(m_mapSection);
     void offer(CAudioParam& param);
 
+    const CAudioParamStorage m_noValues;
     CAudioEnv* m_env = nullptr;
     bool m_isStarted = false;
 
     CRankedSection m_mapSection{ELockRank::kLeaf};
     COrderedMap<CString, std::unique_ptr<CAudioParam>> m_params BRT_GUARDED_BY(m_mapSection);
     COrderedMap<CString, CString> m_aliases BRT_GUARDED_BY(m_mapSection);
+    COrderedMap<CString, std::unique_ptr<CSharedParam>> m_shared;                     // by parameter and value; [init]
     CSmallArray<CAudioParamRegistryBase*> m_registries BRT_GUARDED_BY(m_mapSection);  // the longest hierarchy first
 
     // Under the environment's lock.

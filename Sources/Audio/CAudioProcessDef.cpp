@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Audio/CAudioProcessDef.h"
 
+#include "Audio/CAudioProcess.h"
 #include "Audio/CAudioProcessBypassStateDef.h"
 #include "Audio/CAudioProcessLinkDef.h"
 #include "Audio/CAudioProcessLinkStateDef.h"
@@ -38,5 +39,7 @@ void CAudioProcessDef::sortChild(const CObject& child) {
     else if (const auto* const bypassState = dynamic_cast<const CAudioProcessBypassStateDef*>(&child))
         m_bypassStates.append(bypassState);
 }
+
+std::unique_ptr<CAudioProcessBase> CAudioProcessDef::createProcess() const { return std::make_unique<CAudioProcess>(); }
 
 }  // namespace brt

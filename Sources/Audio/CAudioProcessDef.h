@@ -19,6 +19,8 @@ public:
     [[nodiscard]] CError* init() override;
     [[nodiscard]] CError* initDone() override;
 
+    std::unique_ptr<CAudioProcessBase> createProcess() const override;
+
     // Each process is fed by the one before it, but for those that are out of order.
     bool isAutoLinks() const noexcept { return m_isAutoLinks; }
 

@@ -3,6 +3,8 @@
 // Owner: the shared tree, which outlives every instance. Threads: any, once it is initialised; nothing changes then.
 #pragma once
 
+#include <memory>
+
 #include "Audio/CAudioProcessDefBaseInit.h"
 
 namespace brt {
@@ -10,10 +12,30 @@ namespace brt {
 // What becomes of several sources of one channel.
 enum class EAudioComboMode : int { kSum = 0, kAverage = 1, kMaximum = 2 };
 
+class CAudioParamCollector;
+class CAudioProcessBase;
+struct CAudioProcessContext;
+
+// What a process is made as.
+enum class EProcessRole : std::uint8_t {
+    kWhole,        // as its definition asks: itself, or the stack or the bands around it
+    kStackMember,  // one of a stack
+    kBandMember,   // one of the bands
+};
+
 class CAudioProcessDefBase : public CAudioProcessDefBaseInit {
 public:
     static void describeClass(CClassInfo& info);
     [[nodiscard]] CError* init() override;
+
+    // A new process of the definition's own class, and no more than that.
+    virtual std::unique_ptr<CAudioProcessBase> createProcess() const = 0;
+    // A complete process. If its `init` fails it stays in `out`.
+    [[nodiscard]] CError* createInstance(std::unique_ptr<CAudioProcessBase>& out, CStringView path,
+                                         const CAudioProcessContext& context, int group, int stackIndex,
+                                         EProcessRole role) const;
+    // Attaches the definitions of those parameters that exist once for all instances of the process.
+    void registerGlobalParams(CStringView path, CAudioParamCollector& collector) const;
 
     // In the container's graph.
     bool isPrototype() const noexcept { return m_isPrototype; }     // a pattern for others: never instantiated there

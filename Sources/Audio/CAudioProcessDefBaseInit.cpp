@@ -2,6 +2,7 @@
 #include "Audio/CAudioProcessDefBaseInit.h"
 
 #include "Audio/CAudioParamAllocDef.h"
+#include "Audio/CAudioParamDef.h"
 #include "Audio/CAudioParamFilterDef.h"
 #include "Audio/CAudioParamRemapDef.h"
 #include "Audio/CAudioParamSharedStorage.h"
@@ -50,6 +51,8 @@ void CAudioProcessDefBaseInit::sortPlaced(const CObject& child, CStringView grou
         append(m_sharedStorages, *storage, pathOf(groupPath, storage->param()));
     else if (const auto* const filter = dynamic_cast<const CAudioParamFilterDef*>(&child))
         append(m_paramFilters, *filter, groupPath);
+    else if (const auto* const param = dynamic_cast<const CAudioParamDef*>(&child))
+        append(m_params, *param, pathOf(groupPath, param->getShortName()));
 }
 
 }  // namespace brt

@@ -15,6 +15,7 @@
 namespace brt {
 
 class CAudioParamAllocDef;
+class CAudioParamDef;
 class CAudioParamFilterDef;
 class CAudioParamRemapDef;
 class CAudioParamSharedStorage;
@@ -44,6 +45,8 @@ public:
     const CPlacedList<CAudioParamSharedStorage>& sharedStorages() const noexcept { return m_sharedStorages; }
     // With the path that the names of its parameters start from.
     const CPlacedList<CAudioParamFilterDef>& paramFilters() const noexcept { return m_paramFilters; }
+    // With the path of the parameter.
+    const CPlacedList<CAudioParamDef>& params() const noexcept { return m_params; }
 
 private:
     void sortChild(const CObject& child);
@@ -53,6 +56,7 @@ private:
     CSmallArray<const CAudioParamRemapDef*> m_paramRemaps;
     CPlacedList<CAudioParamSharedStorage> m_sharedStorages;
     CPlacedList<CAudioParamFilterDef> m_paramFilters;
+    CPlacedList<CAudioParamDef> m_params;
 };
 
 }  // namespace brt

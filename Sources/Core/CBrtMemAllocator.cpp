@@ -124,7 +124,7 @@ std::size_t usableSize(const void* block) noexcept {
 }  // namespace
 
 #if !defined(NDEBUG)
-[[gnu::tls_model("initial-exec")]] constinit thread_local int CNoAllocationScope::t_depth = 0;
+constinit thread_local int CNoAllocationScope::t_depth = 0;
 #endif
 
 void* CBrtMemAllocator::alloc(std::size_t size) {

@@ -102,7 +102,7 @@ public:
 
 private:
 #if !defined(NDEBUG)
-    [[gnu::tls_model("initial-exec")]] static constinit thread_local int t_depth;
+    static constinit thread_local int t_depth;
 #endif
 };
 

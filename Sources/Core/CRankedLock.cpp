@@ -21,8 +21,9 @@ struct CThreadCalls {
     bool isRunning;
 };
 
-// "initial-exec": the first use on an audio thread must not allocate.
-[[gnu::tls_model("initial-exec")]] constinit thread_local CThreadCalls t_calls{};
+// No steady block of an audio thread comes here, so its first use may allocate: room for thread-local data that must
+// not is scarce where a host loads many modules.
+constinit thread_local CThreadCalls t_calls{};
 
 void runWaitingCalls() {
     if (t_calls.isRunning) return;

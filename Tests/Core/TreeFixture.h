@@ -124,7 +124,7 @@ protected:
     }
 
     void TearDown() override {
-        CObject::release(m_root);
+        releaseTree();
         stopProcess();
         setLogSink(nullptr);
         EXPECT_EQ(CProbe::s_alive, 0);
@@ -167,6 +167,8 @@ protected:
         }
         return *m_root;
     }
+
+    void releaseTree() { CObject::release(std::exchange(m_root, nullptr)); }
 
     // A complete child.
     static CObject* add(CObject& parent, CStringView name, CStringView tag = "core:object") {

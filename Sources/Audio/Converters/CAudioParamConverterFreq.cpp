@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: LicenseRef-Halyard
+#include "Audio/Converters/CAudioParamConverterFreq.h"
+
+#include "Audio/Converters/ConverterNumber.h"
+
+namespace brt {
+namespace {
+
+// A "k" at the end means thousands.
+double parseHertz(CStringView text, bool& ok) {
+    const char16_t last = text.isEmpty() ? u' ' : text[text.length() - 1];
+    const bool isThousands = last == 'k' || last == 'K';
+    const double number = parseNumber(isThousands ? text.slice(0, text.length() - 1) : text, ok);
+    return isThousands ? number * 1000.0 : number;
+}
+
+CString thousandsText(double hertz, int decimals) {
+    CString text = numberText(hertz * 0.001, decimals);
+    text += "k";
+    return text;
+}
+
+}  // namespace
+
+double CAudioParamConverterFreq::parseClamped(const CAudioParamInfo& info, int subValue, CStringView text,
+                                              bool& ok) const {
+    double value = 0.0;
+    ok = true;
+    if (!info.matchSwitchName(text, value)) value = parseHertz(text, ok);
+    return ok ? info.limit(value, subValue) : info.minimum(subValue);
+}
+
+double CAudioParamConverterFreq::parseRaw(const CAudioParamInfo& info, int, CStringView text, bool& ok) const {
+    double value = 0.0;
+    ok = true;
+    return info.matchSwitchName(text, value) ? value : parseHertz(text, ok);
+}
+
+void CAudioParamConverterFreq::format(CString& text, const CAudioParamInfo& info, int, double value,
+                                      const CAudioParamData&, EAudioTextMode mode) const {
+    if (info.formatSwitch(text, value)) return;
+    const double tenths = roundHalfAway(10.0 * value);
+    if (mode == EAudioTextMode::kPrecise) {
+        text = numberText(value, 2);
+    } else if (mode == EAudioTextMode::kShort) {
+        if (tenths < 10000.0)
+            text = numberText(value, tenths < 100.0 ? 1 : 0);
+        else
+            text = thousandsText(value, tenths < 100000.0 ? 1 : 0);
+    } else if (tenths < 1000.0) {
+        text = numberText(value, 1);
+    } else if (roundHalfAway(value) < 1000.0) {
+        text = numberText(value, 0);
+    } else {
+        text = thousandsText(value, roundHalfAway(0.1 * value) >= 1000.0 ? 1 : 2);
+    }
+}
+
+}  // namespace brt
