@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: LicenseRef-Halyard
+#include "Modules/CAudioGraph.h"
+
+#include <algorithm>
+
+#include "Audio/CAudioProcessDefBase.h"
+#include "Core/CError.h"
+#include "Modules/CModOutput.h"
+
+namespace brt {
+
+CAudioGraph::CAudioGraph(CAudioEnv& env, CAudioParamCollector& collector, CAudioVizCollector* viz)
+    : m_context{env, collector, m_pool, viz, &m_cores} {}
+
+CAudioGraph::~CAudioGraph() {
+    if (m_main) m_main->detach();
+    if (m_output) m_output->detach();
+}
+
+CModOutput& CAudioGraph::output() const noexcept { return static_cast<CModOutput&>(*m_output); }
+
+CError* CAudioGraph::start(const CAudioProcessDefBase& main, CStringView mainPath, const CAudioProcessDefBase& output,
+                           CStringView outputPath) {
+    m_cores.fill();
+    BRT_TRY(mainPath, main.createInstance(m_main, mainPath, m_context, 0, 0, EProcessRole::kWhole));
+    BRT_TRY(outputPath, output.createInstance(m_output, outputPath, m_context, 0, 0, EProcessRole::kWhole));
+    if (dynamic_cast<CModOutput*>(m_output.get()) == nullptr)
+        return makeError(nullptr, __FILE__, __LINE__, outputPath,
+                         "@brtstr_CAudioGraph_start_NoOutput The process '%1' is no output.", outputPath);
+    m_input = m_main->addInput(0);
+    m_main->connect(*m_output, 0, 0);
+    return nullptr;
+}
+
+void CAudioGraph::setInput(std::span<const CAudioChannel> channels, double sampleRate) {
+    m_input->setTable(channels, sampleRate);
+}
+
+void CAudioGraph::applyUpdates() {
+    m_context.collector.takeUpdates(m_updates);
+    m_context.collector.applyUpdates(m_updates);
+}
+
+void CAudioGraph::process(const double* const* inputs, double* const* outputs, int outputCount, int frames) {
+    applyUpdates();
+    m_input->beginDelivery(frames);
+    int place = 0;
+    for (const CAudioChannel& channel : m_input->channels()) {
+        CAudioBufferRef buffer = m_pool.take(frames);
+        std::copy_n(inputs[place++], frames, buffer.samples());
+        m_input->deliver(channel.number, std::move(buffer));
+    }
+    m_main->process();
+
+    CModOutput& end = output();
+    end.begin();
+    for (int i = 0; i < outputCount; ++i) std::fill_n(outputs[i], frames, 0.0);
+    const CAudioPort& port = end.mainPort();
+    for (int i = 0; i < port.channelCount(); ++i) {
+        const CAudioChannel& channel = port.channel(i);
+        if (channel.number < outputCount && channel.buffer)
+            std::copy_n(channel.buffer.samples(), frames, outputs[channel.number]);
+    }
+    end.end();
+}
+
+void CAudioGraph::reset() {
+    m_main->reset();
+    m_output->reset();
+}
+
+}  // namespace brt
