@@ -154,10 +154,15 @@ protected:
     void start(const char* sharedDocument = "", std::span<const CCreatorRow> moreTags = {}) {
         static constexpr CCreatorRow kTags[] = {creatorRow<CProbe>("test:probe")};
         const std::span<const CCreatorRow> tables[] = {coreTags(), kTags, moreTags};
+        CApplication::start({tables, resourceTable(), sharedDocument});
+    }
+
+    // What has been added, as `start` takes it.
+    const CResourceRow* resourceTable() {
         m_table.clear();
         for (std::size_t i = 0; i < m_names.size(); ++i) m_table.push_back({m_resources[i].data(), m_names[i].c_str()});
         m_table.push_back({nullptr, nullptr});
-        CApplication::start({tables, m_table.data(), sharedDocument});
+        return m_table.data();
     }
 
     // The root of a tree with a context; released after the test.
