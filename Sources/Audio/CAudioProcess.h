@@ -27,8 +27,9 @@ public:
     void process() override;
     void detach() override;
 
-    // The processes of the present graph, in the order in which they run.
-    const CSmallArray<CAudioProcessBase*>& running() const noexcept { return m_running; }
+    std::span<CAudioProcessBase* const> running() const noexcept override {
+        return {m_running.begin(), static_cast<std::size_t>(m_running.count())};
+    }
 
 private:
     struct CChild;

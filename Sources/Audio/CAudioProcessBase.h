@@ -99,6 +99,16 @@ public:
     void addOutputChild(CAudioProcessBase& child, int childPort, int port);
     void removeOutputChild(CAudioProcessBase& child, int childPort, int port);
 
+    // Where its samples really go now: for a container the ways on from its input. For reports.
+    struct CConnection {
+        const CAudioProcessBase* destination;
+        int destinationPort;
+        int sourcePort;
+    };
+    void listConnections(CSmallArray<CConnection>& connections) const;
+    // The processes inside it, in the order in which they run; none but in a container.
+    virtual std::span<CAudioProcessBase* const> running() const noexcept { return {}; }
+
     // A link of its own, for whoever feeds the graph from outside.
     CAudioLink* addInput(int port);
 

@@ -20,6 +20,16 @@ CAudioLink* CAudioProcessBase::addInput(int port) {
     return portFor(port).links().append(new CAudioLink(0, m_changes));
 }
 
+void CAudioProcessBase::listConnections(CSmallArray<CConnection>& connections) const {
+    connections.clear();
+    for (const COutgoing& outgoing : m_outgoing)
+        if (outgoing.link != nullptr)
+            connections.append({outgoing.destination, outgoing.destinationPort, outgoing.sourcePort});
+    for (CAudioPort* const port : m_ports)
+        for (const CAudioPassThrough& way : port->passThroughs())
+            connections.append({way.destination, way.destinationPort, port->number()});
+}
+
 void CAudioProcessBase::removeLink(int port, const CAudioLink* link) {
     CAudioPort& from = portFor(port);
     from.links().removeAt(from.links().find(link));

@@ -21,8 +21,9 @@ public:
     void process() override;
     void detach() override;
 
-    // All units, in the order in which they run.
-    const CSmallArray<CAudioProcessBase*>& running() const noexcept { return m_running; }
+    std::span<CAudioProcessBase* const> running() const noexcept override {
+        return {m_running.begin(), static_cast<std::size_t>(m_running.count())};
+    }
 
 private:
     // The units of one group, or of one channel.

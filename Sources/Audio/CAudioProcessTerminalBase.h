@@ -33,7 +33,7 @@ protected:
     virtual bool hasOutputs() const noexcept = 0;
 
     // The modules to run in this block; during a fade also the old ones.
-    const CSmallArray<CAudioModule*>& running() const noexcept { return m_running; }
+    const CSmallArray<CAudioModule*>& runningModules() const noexcept { return m_running; }
     // Fades, hands the outputs on and ends the block. The modules have run.
     void finishBlock();
     void setBlockLength(CAudioModule& module) const noexcept { module.m_blockLength = blockLength(); }
@@ -92,7 +92,7 @@ class CAudioProcessTerminal : public CAudioProcessTerminalBase {
 public:
     void process() override {
         prepare();
-        for (CAudioModule* const module : running()) {
+        for (CAudioModule* const module : runningModules()) {
             setBlockLength(*module);
             static_cast<M*>(module)->process();
         }

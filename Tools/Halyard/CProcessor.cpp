@@ -2,49 +2,37 @@
 #include "Tools/Halyard/CProcessor.h"
 
 #include <algorithm>
-#include <new>
+#include <array>
 
 #include "Platform/ScopedFlushToZero.h"
 #include "Tools/Halyard/Decibels.h"
 
 namespace brt {
 
-namespace {
-
-void scale(const double* input, double* output, int count, double factor) {
-    for (int i = 0; i < count; ++i) output[i] = input[i] * factor;
-}
-
-}  // namespace
-
 CProcessor::CProcessor(int channelCount, const ProcessorSettings& settings)
-    : m_settings(settings),
-      m_inputFactor(dbToFactor(settings.inputGainDb)),
-      m_outputFactor(dbToFactor(settings.outputGainDb)),
-      m_amplified(static_cast<std::size_t>(settings.blockFrames)) {
-    for (int c = 0; c < channelCount; ++c) {
-        m_cores.push_back(std::make_unique<CHalyardCore>());
-        if (!m_cores.back()->isReady()) throw std::bad_alloc();
-        m_cores.back()->hardness = settings.hardnessPercent / 100;
-        m_cores.back()->residue = settings.residue;
-    }
+    : m_channelCount(channelCount), m_blockFrames(settings.blockFrames) {
+    // Nothing in the path depends on the rate but the length of fades, and those are over before the first sample.
+    constexpr double kAnyRate = 48000.0;
+    m_instance.setLayout(channelCount, kAnyRate);
+    m_instance.set("plugin.modMain.modHal.ingain", dbToFactor(settings.inputGainDb));
+    m_instance.set("plugin.modMain.modHal.hardness", settings.hardnessPercent / 100);
+    m_instance.set("plugin.modMain.modHal.residue", settings.residue ? 1.0 : 0.0);
+    m_instance.set("plugin.modMain.modHal.outgain", dbToFactor(settings.outputGainDb));
+    m_instance.settle();
 }
 
-void CProcessor::reset() noexcept {
-    for (const auto& core : m_cores) core->reset();
-}
+void CProcessor::reset() noexcept { m_instance.reset(); }
 
 void CProcessor::process(const double* const* inputs, double* const* outputs, int frameCount) noexcept {
     const ScopedFlushToZero flushToZero;
-    // A factor of 1 leaves every sample as it is, so it needs no shortcut.
-    for (int start = 0; start < frameCount; start += m_settings.blockFrames) {
-        const int count = std::min(m_settings.blockFrames, frameCount - start);
-        for (std::size_t c = 0; c < m_cores.size(); ++c) {
-            double* output = outputs[c] + start;
-            scale(inputs[c] + start, m_amplified.data(), count, m_inputFactor);
-            m_cores[c]->processBlock(m_amplified.data(), output, count);
-            scale(output, output, count, m_outputFactor);
+    std::array<const double*, ProcessorSettings::kMaxChannels> in;
+    std::array<double*, ProcessorSettings::kMaxChannels> out;
+    for (int start = 0; start < frameCount; start += m_blockFrames) {
+        for (int c = 0; c < m_channelCount; ++c) {
+            in[static_cast<std::size_t>(c)] = inputs[c] + start;
+            out[static_cast<std::size_t>(c)] = outputs[c] + start;
         }
+        m_instance.process(in.data(), out.data(), std::min(m_blockFrames, frameCount - start));
     }
 }
 

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
-// The signal path as the tool sees it: input gain, clipper, output gain on a number of channels. This is the one place
-// of the tool that knows how the sound is made.
+// The signal path as the tool sees it: an instance of the product with its gains and its clipper, on a number of
+// channels. This is the one place of the tool that knows how the sound is made.
 // Owner: the job that renders or measures. Threads: one at a time. After construction nothing allocates.
 #pragma once
 
 #include <memory>
 #include <vector>
 
-#include "Modules/CHalyardCore.h"
+#include "Tools/Halyard/CToolInstance.h"
 
 namespace brt {
 
@@ -27,11 +27,11 @@ struct ProcessorSettings {
 
 class CProcessor {
 public:
-    // REQUIRES: channelCount from 1 to 16, settings within their ranges.
+    // Throws CToolError. REQUIRES: channelCount from 1 to 16, settings within their ranges.
     CProcessor(int channelCount, const ProcessorSettings& settings);
 
-    int channelCount() const noexcept { return static_cast<int>(m_cores.size()); }
-    int latencySamples() const noexcept { return m_cores.front()->latencySamples(); }
+    int channelCount() const noexcept { return m_channelCount; }
+    int latencySamples() const noexcept { return m_instance.latencySamples(); }
 
     // [any] As if the clipper had held silence for ever.
     void reset() noexcept;
@@ -40,11 +40,9 @@ public:
     void process(const double* const* inputs, double* const* outputs, int frameCount) noexcept;
 
 private:
-    const ProcessorSettings m_settings;
-    const double m_inputFactor;
-    const double m_outputFactor;
-    std::vector<std::unique_ptr<CHalyardCore>> m_cores;  // one a channel
-    std::vector<double> m_amplified;                     // one block behind the input gain
+    const int m_channelCount;
+    const int m_blockFrames;
+    CToolInstance m_instance;
 };
 
 // [any] Plays the settings' answer to one channel: `output[i]` belongs to `input[i]`, the latency is taken out, and

@@ -156,6 +156,21 @@ Examples:
   halyard tree shared::project)");
 }
 
+void addGraph(CLI::App& app, GraphRequest& request) {
+    CLI::App& command = *app.add_subcommand("graph", "Print the processes that run in an instance");
+    command.add_option("--channels", request.channels, "Channels, 1 to 16 (2)")->check(wholeBetween(1, 16, ""));
+    command.add_flag("--dot", request.isDot, "For Graphviz");
+    command.add_option("--set", request.settings, "A value to set before, as plugin.modMain.bypass-enable=1")
+        ->type_name("NAME=NUMBER");
+    command.footer(
+        R"(Each process is printed with what comes in and what it delivers: channels, their groups, and by how many samples they
+are late; then where that goes. What does not run is not there.
+
+Examples:
+  halyard graph
+  halyard graph --dot | dot -Tsvg > graph.svg)");
+}
+
 // The library's words for what is wrong with a command's options.
 std::string reasonOf(const CLI::ParseError& error) {
     std::string text = error.what();
@@ -176,7 +191,7 @@ std::string oneLine(const CLI::App& app, const CLI::ParseError& error, const std
     }
     const std::string wrong =
         firstArgument.empty() ? "no command is given" : brt::quoted(firstArgument) + " is no command";
-    return wrong + "; use render, plot, measure, demo-signal or tree, and see 'halyard --help'";
+    return wrong + "; use render, plot, measure, demo-signal, tree or graph, and see 'halyard --help'";
 }
 
 }  // namespace
@@ -187,6 +202,7 @@ Request parseCommandLine(int argumentCount, const char* const* arguments) {
     MeasureRequest measure;
     DemoSignalRequest demoSignal;
     TreeRequest tree;
+    GraphRequest graph;
     std::string sampleFormat;
 
     CLI::App app("Halyard: a clipper for mastering that runs at 128 times the sample rate.", "halyard");
@@ -198,6 +214,7 @@ Request parseCommandLine(int argumentCount, const char* const* arguments) {
     addMeasure(app, measure);
     addDemoSignal(app, demoSignal);
     addTree(app, tree);
+    addGraph(app, graph);
     app.footer(R"(Each command explains itself: halyard render --help
 
 Example:
@@ -220,6 +237,7 @@ Example:
     if (command == "plot") return plot;
     if (command == "measure") return measure;
     if (command == "tree") return tree;
+    if (command == "graph") return graph;
     return demoSignal;
 }
 

@@ -6,6 +6,7 @@
 #include <variant>
 
 #include "Tools/Halyard/DemoSignal.h"
+#include "Tools/Halyard/GraphCommand.h"
 #include "Tools/Halyard/MeasureCommand.h"
 #include "Tools/Halyard/PlotCommand.h"
 #include "Tools/Halyard/RenderCommand.h"
@@ -18,7 +19,8 @@ struct TextRequest {
     std::string text;
 };
 
-using Request = std::variant<TextRequest, RenderRequest, PlotRequest, MeasureRequest, DemoSignalRequest, TreeRequest>;
+using Request =
+    std::variant<TextRequest, RenderRequest, PlotRequest, MeasureRequest, DemoSignalRequest, TreeRequest, GraphRequest>;
 
 // Throws CUsageError with the one line that tells what is wrong.
 Request parseCommandLine(int argumentCount, const char* const* arguments);

@@ -5,8 +5,7 @@
 
 #include "Core/CApplication.h"
 #include "Core/CObject.h"
-#include "Documents/ProductTags.h"
-#include "Documents/Resources.h"
+#include "Tools/Halyard/CToolInstance.h"
 #include "Tools/Halyard/ToolError.h"
 #include "Tools/NearName.h"
 
@@ -79,9 +78,8 @@ const CObject& follow(const CObject& root, CStringView path) {
 }  // namespace
 
 int runTree(const TreeRequest& request) {
-    CApplication::start({productTags(), kHalyardResources});
+    startApplication();
     const CObject* const shared = CApplication::sharedObject();
-    if (!shared) throw CToolError("tree: the shared document of this program can't be loaded; see above");
     const CString path = CString::fromUtf8(request.path);
     const CObject& top = follow(*shared, path.startsWith(kPrefix) ? path.slice(kPrefix.length()) : path.view());
     std::string text;

@@ -35,6 +35,7 @@ struct Runner {
     int operator()(const brt::MeasureRequest& request) const { return brt::runMeasure(request); }
     int operator()(const brt::DemoSignalRequest& request) const { return brt::runDemoSignal(request); }
     int operator()(const brt::TreeRequest& request) const { return brt::runTree(request); }
+    int operator()(const brt::GraphRequest& request) const { return brt::runGraph(request); }
 };
 
 int fail(int status, const char* text) {
