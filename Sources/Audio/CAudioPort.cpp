@@ -33,6 +33,9 @@ bool CAudioPort::rebuild() {
         ++position;
     }
     m_channelCount = position;
+    m_mixing.clear();
+    for (CMixNode& node : m_mixNodes)
+        if (node.sources.count() > 1) m_mixing.append(&node);
     return isChanged;
 }
 
@@ -42,8 +45,7 @@ void CAudioPort::writeTables(int latencySamples, double sampleRate) {
 }
 
 void CAudioPort::mix(CAudioBufferPool& pool, EAudioComboMode how, int blockLength) {
-    for (CMixNode& node : m_mixNodes)
-        if (node.sources.count() > 1) node.result.buffer = mixed(pool, node, how, blockLength);
+    for (CMixNode* const node : m_mixing) node->result.buffer = mixed(pool, *node, how, blockLength);
 }
 
 // Silent sources add nothing; but the maximum of a signal and silence is not the signal.
@@ -82,7 +84,7 @@ void CAudioPort::passThrough(int blockLength) {
 }
 
 void CAudioPort::releaseBuffers() {
-    for (CMixNode& node : m_mixNodes) node.result.buffer.reset();
+    for (CMixNode* const node : m_mixing) node->result.buffer.reset();
     for (CAudioLink* const link : m_links) link->releaseBuffers();
 }
 

@@ -73,7 +73,8 @@ private:
     std::array<CSlot, kAudioChannelLimit> m_slots{};
     std::array<CAudioChannel, kAudioChannelLimit> m_table{};
     std::array<int, kAudioChannelLimit> m_positions;      // by channel number; -1: none
-    std::array<CMixNode, kAudioChannelLimit> m_mixNodes;  // by channel number; used where there are two sources or more
+    std::array<CMixNode, kAudioChannelLimit> m_mixNodes;  // by channel number
+    CSmallArray<CMixNode*> m_mixing;                      // those with two sources or more
 };
 
 }  // namespace brt

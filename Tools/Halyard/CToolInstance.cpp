@@ -52,11 +52,14 @@ CToolInstance::~CToolInstance() = default;
 
 void CToolInstance::set(CStringView name, double value) { m_collector->getParam(name).setFloat(value, 0, this); }
 
-void CToolInstance::setLayout(int channelCount, double sampleRate) {
+void CToolInstance::setLayout(int channelCount, double sampleRate, int groupSize) {
     m_channelCount = channelCount;
     m_sampleRate = sampleRate;
     std::array<CAudioChannel, kAudioChannelLimit> table{};
-    for (int i = 0; i < channelCount; ++i) table[static_cast<std::size_t>(i)].number = i;
+    for (int i = 0; i < channelCount; ++i) {
+        table[static_cast<std::size_t>(i)].number = i;
+        table[static_cast<std::size_t>(i)].group = i / groupSize;
+    }
     m_graph->setInput({table.data(), static_cast<std::size_t>(channelCount)}, sampleRate);
     settle();
 }

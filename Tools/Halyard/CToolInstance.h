@@ -22,8 +22,8 @@ public:
     CToolInstance(const CToolInstance&) = delete;
     CToolInstance& operator=(const CToolInstance&) = delete;
 
-    // All channels in one group. Afterwards the graph stands, with all its parameters, and holds silence.
-    void setLayout(int channelCount, double sampleRate);
+    // Channels in groups of `groupSize`. Afterwards the graph stands, with all its parameters, and holds silence.
+    void setLayout(int channelCount, double sampleRate, int groupSize = kAudioChannelLimit);
     // A value of channel group 0 by its full name, in the module's own terms.
     void set(CStringView name, double value);
     // Ends all fades, and is silent then.
