@@ -21,6 +21,11 @@ CError* CAudioParamConverter::init() {
     return nullptr;
 }
 
+double CAudioParamConverter::parseClamped(const CAudioParamInfo& info, int subValue, CStringView text, bool& ok) const {
+    const double value = parseRaw(info, subValue, text, ok);
+    return ok ? info.limit(value, subValue) : info.minimum(subValue);
+}
+
 double CAudioParamConverter::normalToInternal(const CAudioParamInfo& info, int subValue, double normal) const {
     const double a = info.minimum(subValue);
     return a + (info.maximum(subValue) - a) * normal;

@@ -32,9 +32,9 @@ public:
 
     // Text to internal value: within the range; as it stands, for the ranges and defaults of definitions themselves.
     // `ok` tells whether the text could be understood; if not, the result is the minimum, or what 0 stands for.
-    virtual double parseClamped(const CAudioParamInfo& info, int subValue, CStringView text, bool& ok) const = 0;
+    virtual double parseClamped(const CAudioParamInfo& info, int subValue, CStringView text, bool& ok) const;
     virtual double parseRaw(const CAudioParamInfo& info, int subValue, CStringView text, bool& ok) const = 0;
-    // `data` holds the texts of string parameters.
+    // `data` holds the texts of string parameters. A number that is none is shown as 0.
     virtual void format(CString& text, const CAudioParamInfo& info, int subValue, double value,
                         const CAudioParamData& data, EAudioTextMode mode) const = 0;
     // Between normalised and internal, and between normalised and display. Linear unless overridden.

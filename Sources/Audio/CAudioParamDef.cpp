@@ -19,8 +19,10 @@ void CAudioParamDef::describeClass(CClassInfo& info) {
         attr::flag("is-global").byDefault("false").help("one for all instances of its process"),
         attr::text("visual-name").help("for the user"),
         attr::text("param-registry").help("a registry whose presets follow the value"),
-        attr::object("converter").ofClass<CAudioParamConverter>().help("of the first sub-value"),
-        attr::object("converter").numbered().ofClass<CAudioParamConverter>().help("of a further sub-value, from 2 on"),
+        attr::object("converter")
+            .numbered()
+            .ofClass<CAudioParamConverter>()
+            .help("of the first sub-value; with a number from 2 on, of a further one"),
         attr::text("min-values").help("in the converters' text form, parted by blanks"),
         attr::text("max-values").help("in the converters' text form, parted by blanks"),
         attr::text("state-names").help("as \"Off;On\" or \"Stereo|St;Mono|Mo\", or \"@\" and a key of the settings"),

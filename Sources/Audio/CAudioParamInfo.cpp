@@ -142,9 +142,10 @@ CError* CAudioParamInfo::parseStateNames(CStringView text, CStringView context) 
     CStringList entries;
     CString(text).split(entries, u';', false, true);
     for (const CString* const entry : entries) {
-        const int bar = entry->find(u'|');
-        const CStringView longName = bar < 0 ? entry->view() : entry->slice(0, bar);
-        const CStringView shortName = bar < 0 ? longName.trimmed() : entry->slice(bar + 1).trimmed();
+        CStringList parts;
+        entry->split(parts, u'|', false, true);
+        const CStringView longName = parts.isEmpty() ? CStringView() : parts[0].view().trimmed();
+        const CStringView shortName = parts.count() < 2 ? longName : parts[1].view().trimmed();
         add(longName, shortName.slice(0, kShortNameLength));
     }
     return nullptr;

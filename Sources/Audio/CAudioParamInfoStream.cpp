@@ -13,7 +13,7 @@ constexpr int kMostNames = 4096;
 
 CError* damagedInfo(CStringView what, std::int64_t number) {
     return makeError(nullptr, __FILE__, __LINE__, "",
-                     "@brtstr_CAudioParamInfo_load_Damaged A parameter's definition can't be used: its %1 is %2.", what,
+                     "@brtstr_CAudioParamInfo_load_Damaged A parameter's definition can't be used: %1 %2.", what,
                      number);
 }
 
@@ -40,10 +40,10 @@ CError* loadFormat(CInputStream& stream, CAudioParamFormat& format) {
     BRT_TRY("", readBool(stream, format.isSingleGroup));
     BRT_TRY("", readBool(stream, format.isSingleElement));
     if (dataType < 0 || dataType > static_cast<std::int32_t>(EAudioDataType::kRaw))
-        return damagedInfo("data type", dataType);
+        return damagedInfo("its data type is", dataType);
     format.dataType = static_cast<EAudioDataType>(dataType);
     if (format.elementSize < 1 || format.elementSize > (format.isFloat() ? kAudioElementSizeLimit : 1))
-        return damagedInfo("element size", format.elementSize);
+        return damagedInfo("its element size is", format.elementSize);
     return nullptr;
 }
 
@@ -96,7 +96,8 @@ CError* CAudioParamInfo::load(CInputStream& stream, const CObject& owner) {
         BRT_TRY(name, readName(stream, converterNames));
         BRT_TRY(name, readF64(stream, minValues[i]));
         BRT_TRY(name, readF64(stream, maxValues[i]));
-        if (!std::isfinite(minValues[i]) || !std::isfinite(maxValues[i])) return damagedInfo("range, of element", i);
+        if (!std::isfinite(maxValues[i] - minValues[i]) || maxValues[i] == minValues[i])
+            return damagedInfo("there is no range for sub-value", i);
     }
     BRT_TRY(name, parseConverterNames(owner));
 
@@ -115,6 +116,7 @@ CError* CAudioParamInfo::load(CInputStream& stream, const CObject& owner) {
     switchValues.setCount(switchCount);
     for (int i = 0; i < switchCount; ++i) {
         BRT_TRY(name, readF64(stream, switchValues[i]));
+        if (!std::isfinite(switchValues[i])) return damagedInfo("there is no number for switch", i);
         BRT_TRY(name, readName(stream, switchNames));
     }
     defaults.clear();

@@ -43,7 +43,7 @@ CError* CAudioParamConverterEnum::init() {
 int CAudioParamConverterEnum::findName(const CAudioParamInfo& names, const CAudioParamInfo& info, CStringView text) {
     constexpr int kShortLength = 7;
     const CString wanted = folded(text.trimmed());
-    const CStringView shortened = wanted.slice(0, kShortLength);
+    const CStringView shortened = wanted.slice(0, kShortLength).trimmed();
     int index = indexOf(names.longStateNames, wanted);
     if (index < 0) index = indexOf(info.longStateNames, wanted);
     if (index < 0) index = indexOf(names.shortStateNames, shortened);
@@ -72,6 +72,7 @@ double CAudioParamConverterEnum::parseRaw(const CAudioParamInfo& info, int, CStr
 
 void CAudioParamConverterEnum::format(CString& text, const CAudioParamInfo& info, int subValue, double value,
                                       const CAudioParamData&, EAudioTextMode mode) const {
+    if (formatNoNumber(text, value)) return;
     const bool hasNames = !m_names.longStateNames.isEmpty() || !info.longStateNames.isEmpty();
     if (!hasNames) {
         text = numberText(value, 0);
@@ -79,7 +80,7 @@ void CAudioParamConverterEnum::format(CString& text, const CAudioParamInfo& info
     }
     const double state = roundHalfAway(value) - roundHalfAway(info.minimum(subValue));
     text.clear();
-    if (!(state >= 0.0)) return;
+    if (state < 0.0) return;
     const CAudioParamInfo& names = state < m_names.longStateNames.count() ? m_names : info;
     if (state >= names.longStateNames.count()) {
         text = mode == EAudioTextMode::kShort ? "Rsv" : "Reserve";

@@ -14,31 +14,23 @@ double parseHertz(CStringView text, bool& ok) {
     return isThousands ? number * 1000.0 : number;
 }
 
-CString thousandsText(double hertz, int decimals) {
-    CString text = numberText(hertz * 0.001, decimals);
+CString kiloText(double kilohertz, int decimals) {
+    CString text = numberText(kilohertz, decimals);
     text += "k";
     return text;
 }
 
 }  // namespace
 
-double CAudioParamConverterFreq::parseClamped(const CAudioParamInfo& info, int subValue, CStringView text,
-                                              bool& ok) const {
-    double value = 0.0;
-    ok = true;
-    if (!info.matchSwitchName(text, value)) value = parseHertz(text, ok);
-    return ok ? info.limit(value, subValue) : info.minimum(subValue);
-}
-
 double CAudioParamConverterFreq::parseRaw(const CAudioParamInfo& info, int, CStringView text, bool& ok) const {
     double value = 0.0;
-    ok = true;
-    return info.matchSwitchName(text, value) ? value : parseHertz(text, ok);
+    ok = info.matchSwitchName(text, value);
+    return ok ? value : parseHertz(text, ok);
 }
 
 void CAudioParamConverterFreq::format(CString& text, const CAudioParamInfo& info, int, double value,
                                       const CAudioParamData&, EAudioTextMode mode) const {
-    if (info.formatSwitch(text, value)) return;
+    if (info.formatSwitch(text, value) || formatNoNumber(text, value)) return;
     const double tenths = roundHalfAway(10.0 * value);
     if (mode == EAudioTextMode::kPrecise) {
         text = numberText(value, 2);
@@ -46,13 +38,13 @@ void CAudioParamConverterFreq::format(CString& text, const CAudioParamInfo& info
         if (tenths < 10000.0)
             text = numberText(value, tenths < 100.0 ? 1 : 0);
         else
-            text = thousandsText(value, tenths < 100000.0 ? 1 : 0);
+            text = kiloText(value / 1000.0, tenths < 100000.0 ? 1 : 0);
     } else if (tenths < 1000.0) {
         text = numberText(value, 1);
     } else if (roundHalfAway(value) < 1000.0) {
         text = numberText(value, 0);
     } else {
-        text = thousandsText(value, roundHalfAway(0.1 * value) >= 1000.0 ? 1 : 2);
+        text = kiloText(value * 0.001, roundHalfAway(0.1 * value) >= 1000.0 ? 1 : 2);
     }
 }
 

@@ -9,7 +9,6 @@ namespace brt {
 
 class CAudioParamConverterFreq final : public CAudioParamConverterLog {
 public:
-    double parseClamped(const CAudioParamInfo& info, int subValue, CStringView text, bool& ok) const override;
     double parseRaw(const CAudioParamInfo& info, int subValue, CStringView text, bool& ok) const override;
     void format(CString& text, const CAudioParamInfo& info, int subValue, double value, const CAudioParamData& data,
                 EAudioTextMode mode) const override;

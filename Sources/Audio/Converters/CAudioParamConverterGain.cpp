@@ -34,16 +34,10 @@ CError* CAudioParamConverterGain::init() {
                      m_decimals);
 }
 
-double CAudioParamConverterGain::parseClamped(const CAudioParamInfo& info, int subValue, CStringView text,
-                                              bool& ok) const {
+double CAudioParamConverterGain::parseRaw(const CAudioParamInfo& info, int, CStringView text, bool& ok) const {
     double value = 0.0;
-    ok = true;
-    if (!info.matchSwitchName(text, value)) value = factorOf(parseNumber(text, ok));
-    return ok ? info.limit(value, subValue) : info.minimum(subValue);
-}
-
-double CAudioParamConverterGain::parseRaw(const CAudioParamInfo&, int, CStringView text, bool& ok) const {
-    return factorOf(parseNumber(text, ok));
+    ok = info.matchSwitchName(text, value);
+    return ok ? value : factorOf(parseNumber(text, ok));
 }
 
 void CAudioParamConverterGain::format(CString& text, const CAudioParamInfo& info, int, double value,

@@ -5,16 +5,10 @@
 
 namespace brt {
 
-double CAudioParamConverterPercent::parseClamped(const CAudioParamInfo& info, int subValue, CStringView text,
-                                                 bool& ok) const {
+double CAudioParamConverterPercent::parseRaw(const CAudioParamInfo& info, int, CStringView text, bool& ok) const {
     double value = 0.0;
-    ok = true;
-    if (!info.matchSwitchName(text, value)) value = parseNumber(text, ok) * 0.01;
-    return ok ? info.limit(value, subValue) : info.minimum(subValue);
-}
-
-double CAudioParamConverterPercent::parseRaw(const CAudioParamInfo&, int, CStringView text, bool& ok) const {
-    return parseNumber(text, ok) * 0.01;
+    ok = info.matchSwitchName(text, value);
+    return ok ? value : parseNumber(text, ok) * 0.01;
 }
 
 void CAudioParamConverterPercent::format(CString& text, const CAudioParamInfo& info, int, double value,

@@ -25,12 +25,6 @@ CError* CAudioParamConverterReal::init() {
                      m_decimals);
 }
 
-double CAudioParamConverterReal::parseClamped(const CAudioParamInfo& info, int subValue, CStringView text,
-                                              bool& ok) const {
-    const double value = parseNumber(text, ok);
-    return ok ? info.limit(value, subValue) : info.minimum(subValue);
-}
-
 double CAudioParamConverterReal::parseRaw(const CAudioParamInfo&, int, CStringView text, bool& ok) const {
     return parseNumber(text, ok);
 }

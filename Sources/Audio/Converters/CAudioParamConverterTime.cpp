@@ -54,21 +54,15 @@ double CAudioParamConverterTime::displayToNormal(const CAudioParamInfo& info, in
     return internalToNormal(info, subValue, info.limit(display * m_scale, subValue));
 }
 
-double CAudioParamConverterTime::parseClamped(const CAudioParamInfo& info, int subValue, CStringView text,
-                                              bool& ok) const {
+double CAudioParamConverterTime::parseRaw(const CAudioParamInfo& info, int, CStringView text, bool& ok) const {
     double value = 0.0;
-    ok = true;
-    if (!info.matchSwitchName(text, value)) value = parseNumber(text, ok) * m_scale;
-    return ok ? info.limit(value, subValue) : info.minimum(subValue);
-}
-
-double CAudioParamConverterTime::parseRaw(const CAudioParamInfo&, int, CStringView text, bool& ok) const {
-    return parseNumber(text, ok) * m_scale;
+    ok = info.matchSwitchName(text, value);
+    return ok ? value : parseNumber(text, ok) * m_scale;
 }
 
 void CAudioParamConverterTime::format(CString& text, const CAudioParamInfo& info, int, double value,
                                       const CAudioParamData&, EAudioTextMode mode) const {
-    if (info.formatSwitch(text, value)) return;
+    if (info.formatSwitch(text, value) || formatNoNumber(text, value)) return;
     const double shown = value / m_scale;
     const double whole = roundHalfAway(std::abs(shown));
     const int more = m_isPrecise ? 1 : 0;

@@ -12,7 +12,6 @@ public:
     static void describeClass(CClassInfo& info);
     [[nodiscard]] CError* init() override;
 
-    double parseClamped(const CAudioParamInfo& info, int subValue, CStringView text, bool& ok) const override;
     double parseRaw(const CAudioParamInfo& info, int subValue, CStringView text, bool& ok) const override;
     void format(CString& text, const CAudioParamInfo& info, int subValue, double value, const CAudioParamData& data,
                 EAudioTextMode mode) const override;

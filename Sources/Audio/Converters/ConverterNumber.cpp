@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
 #include "Core/NumberText.h"
 
@@ -28,19 +29,21 @@ class CReader {
 public:
     explicit CReader(CStringView text) noexcept : m_text(text) {}
 
-    int place() const noexcept { return m_place; }
-    void goBackTo(int place) noexcept { m_place = place; }
     bool take(char16_t a, char16_t b) noexcept {
         const bool isThere = m_place < m_text.length() && (m_text[m_place] == a || m_text[m_place] == b);
         m_place += isThere ? 1 : 0;
         return isThere;
     }
-    // Appends digits to the number; returns how many.
-    int takeDigits(double& number) noexcept {
-        const int start = m_place;
-        for (; m_place < m_text.length() && isDigit(m_text[m_place]); ++m_place)
+    bool takeSign() noexcept { return take('-', '-') || (take('+', '+'), false); }  // true for "-"
+    // Appends digits to the number, no more than `limit`, and passes over the others; returns how many it appended.
+    int takeDigits(double& number, int limit) noexcept {
+        int count = 0;
+        for (; m_place < m_text.length() && isDigit(m_text[m_place]); ++m_place) {
+            if (count == limit) continue;
             number = number * 10.0 + (m_text[m_place] - '0');
-        return m_place - start;
+            ++count;
+        }
+        return count;
     }
 
 private:
@@ -54,43 +57,37 @@ double roundHalfAway(double value) noexcept {
     return value >= 0.0 ? std::floor(value + 0.5) : -std::floor(0.5 - value);
 }
 
-double parseNumber(CStringView text, bool& ok, int* end) noexcept {
+double parseNumber(CStringView text, bool& ok) noexcept {
+    constexpr int kNoLimit = std::numeric_limits<int>::max();
+    constexpr int kMostFractionDigits =
+        300;  // far behind what a double tells apart, and still finite as a whole number
+    constexpr int kMostExponent = 400;
+
     CReader reader(text);
-    const bool isNegative = reader.take('-', '-');
-    if (!isNegative) reader.take('+', '+');
+    const bool isNegative = reader.takeSign();
     double number = 0.0;
     double fraction = 0.0;
-    const int wholeDigits = reader.takeDigits(number);
-    int fractionDigits = 0;
-    if (reader.take('.', ',')) fractionDigits = reader.takeDigits(fraction);
-    if (wholeDigits == 0 && fractionDigits == 0) {
-        ok = false;
-        if (end != nullptr) *end = 0;
-        return 0.0;
-    }
-    constexpr int kMostExponent = 400;
-    number += fraction * powerOfTen(-std::min(fractionDigits, kMostExponent));
+    const int wholeDigits = reader.takeDigits(number, kNoLimit);
+    const int fractionDigits = reader.take('.', ',') ? reader.takeDigits(fraction, kMostFractionDigits) : 0;
+    ok = wholeDigits > 0 || fractionDigits > 0;
+    if (!ok) return 0.0;
+    number += fraction * powerOfTen(-fractionDigits);
 
-    const int exponentPlace = reader.place();
     if (reader.take('e', 'E')) {
-        const bool isSmall = reader.take('-', '-');
-        if (!isSmall) reader.take('+', '+');
+        const bool isSmall = reader.takeSign();
         double exponent = 0.0;
-        if (reader.takeDigits(exponent) == 0) {
-            reader.goBackTo(exponentPlace);
-        } else {
-            const int power = static_cast<int>(std::min(exponent, static_cast<double>(kMostExponent)));
-            number = number == 0.0 ? 0.0 : number * powerOfTen(isSmall ? -power : power);
-        }
+        reader.takeDigits(exponent, kNoLimit);
+        const int power = static_cast<int>(std::min(exponent, double{kMostExponent}));
+        const bool isScalable = number != 0.0 && std::isfinite(number);  // or 0 and infinity would make a NaN
+        if (isScalable) number *= powerOfTen(isSmall ? -power : power);
     }
-    ok = true;
-    if (end != nullptr) *end = reader.place();
     return isNegative ? -number : number;
 }
 
 CString numberText(double value, int decimals) {
     constexpr double kLargest = 9e15;
-    const double finite = std::isfinite(value) ? std::clamp(value, -kLargest, kLargest) : 0.0;
+    if (!std::isfinite(value)) return "0";
+    const double finite = std::clamp(value, -kLargest, kLargest);
     const int places = std::clamp(decimals, 0, kMostDecimals);
     const double scaled = roundHalfAway(finite * kPowersOfTen[places]);
     if (std::abs(scaled) > kLargest) return fixedText(finite, places);  // nothing is left to round
@@ -105,6 +102,12 @@ CString numberText(double value, int decimals) {
         result += text.slice(text.length() - places);
     }
     return result;
+}
+
+bool formatNoNumber(CString& text, double value) {
+    if (std::isfinite(value)) return false;
+    text = "0";
+    return true;
 }
 
 }  // namespace brt

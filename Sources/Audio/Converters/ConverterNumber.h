@@ -10,11 +10,15 @@ namespace brt {
 // Rounds half away from zero.
 double roundHalfAway(double value) noexcept;
 
-// The number that the text begins with: sign, digits, a fraction, an exponent. What stands behind it is ignored; `end`,
-// if not null, is the place where it begins. `ok` is false, and the result 0, if there is no digit.
-double parseNumber(CStringView text, bool& ok, int* end = nullptr) noexcept;
+// The number that the text begins with: sign, digits, a fraction, an exponent. What stands behind it is ignored. `ok`
+// is false, and the result 0, if there is no digit. A number too large for a double is infinite; NaN never comes out.
+double parseNumber(CStringView text, bool& ok) noexcept;
 
-// With exactly that many decimals, 0 to 10. What is no number is shown as 0, and what is above 9e15 as that.
+// With exactly that many decimals, 0 to 10. What is above 9e15, to either side of 0, is shown as that; NaN and infinity
+// as "0".
 CString numberText(double value, int decimals);
+
+// For converters that add something to numbers: whether `value` is none; then the text is "0".
+bool formatNoNumber(CString& text, double value);
 
 }  // namespace brt
