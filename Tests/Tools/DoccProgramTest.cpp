@@ -64,8 +64,25 @@ TEST_F(DoccProgram, tellsWhatIsWrongAndWritesNothing) {
     expectRefusal("dump good.xml", 1,
                   "good.xml: error: no compiled document: Document 'good.xml' is damaged at byte 0");
     expectRefusal("compile good.xml", 2, "--output is required");
-    expectRefusal("compil good.xml", 2, "compil");
+    expectRefusal("compil good.xml", 2, "docc: The following arguments were not expected");
+    expectRefusal("--dump good.xml compile good.xml -o out.bin", 2, "--dump excludes compile");
+    expectRefusal("compile good.xml -o ./good.xml", 1, "the output would replace 'good.xml', which it is made from");
+    EXPECT_EQ(bytes("good.xml"), "<document/>");
+    expectRefusal("dump /dev/zero", 1, "'/dev/zero' has more than 64 MiB");
     EXPECT_EQ(files(), before);
+}
+
+TEST_F(DoccProgram, namesOfAnyBytes) {
+    const std::string name = "\xF0\x9F\x8E\xB5 \xFF";
+    writeText("a.xml", "<document/>");
+    runWell("compile a.xml -o '" + name + "'");
+    EXPECT_EQ(runWell("dump '" + name + "'"), "<document/>\n");
+}
+
+TEST_F(DoccProgram, tellsThatItsOutputIsLost) {
+    writeText("a.xml", "<document/>");
+    runWell("compile a.xml -o a.bin");
+    expectRefusal("dump a.bin > /dev/full", 1, "cannot write to standard output");
 }
 
 TEST_F(DoccProgram, listsOfResourcesThatAreWrong) {
@@ -75,6 +92,8 @@ TEST_F(DoccProgram, listsOfResourcesThatAreWrong) {
     expectRefusal("resources list -o r.S", 1, "list:2: error: resource 'a' stands here twice");
     writeText("list", "a = x\n");
     expectRefusal("resources list -o r.S", 1, "docc: error: resource 'a': there is no file 'x'");
+    writeText("list", "a = list\n");
+    expectRefusal("resources list -o list", 1, "the output would replace 'list'");
     writeText("list", "");
     expectRefusal("resources list -o r.S --symbol 3x", 1, "'3x' is no C name");
     EXPECT_EQ(files(), std::vector<std::string>{"list"});

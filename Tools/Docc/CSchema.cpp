@@ -1,20 +1,13 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Tools/Docc/CSchema.h"
 
-#include <stdexcept>
-
 #include "Tools/Docc/CElement.h"
+#include "Tools/Docc/ThrowError.h"
 
 namespace brt {
 
 CSchema::CSchema(std::span<const std::span<const CCreatorRow>> tables) {
-    for (const std::span<const CCreatorRow> table : tables) {
-        CError* const error = m_registry.registerCreators(table);
-        if (!error) continue;
-        const std::string message = error->message().toUtf8();
-        discardError(error);  // goes on as an exception
-        throw std::runtime_error(message);
-    }
+    for (const std::span<const CCreatorRow> table : tables) throwIf(m_registry.registerCreators(table));
 }
 
 CSchema::~CSchema() {

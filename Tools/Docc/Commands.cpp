@@ -33,6 +33,7 @@ std::unique_ptr<COrderedSet<CString>> resourceNames(const std::string& list) {
 }  // namespace
 
 int runCompile(const CompileRequest& request, std::span<const std::span<const CCreatorRow>> tables) {
+    refuseToReplace(request.output, {request.input, request.sharedDocument, request.resourceList});
     const CSourceText source(request.input, readFile(request.input));
     CDiagnostics diagnostics(source);
     const std::unique_ptr<CElement> shared =
@@ -49,11 +50,16 @@ int runCompile(const CompileRequest& request, std::span<const std::span<const CC
 
 int runDump(const std::string& input) {
     std::fputs(printDocument(*loadCompiled(input)).c_str(), stdout);
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
+        throw std::runtime_error("cannot write to standard output; free some space or send it elsewhere");
     return 0;
 }
 
 int runResources(const ResourcesRequest& request) {
-    writeFile(request.output, resourceAssembler(readResourceList(request.list), request.symbol));
+    const ResourceList list = readResourceList(request.list);
+    refuseToReplace(request.output, {request.list});
+    for (const auto& [name, file] : list) refuseToReplace(request.output, {file});
+    writeFile(request.output, resourceAssembler(list, request.symbol));
     return 0;
 }
 

@@ -6,18 +6,11 @@
 
 #include "Core/CDocument.h"
 #include "Core/CDocumentWriter.h"
-#include "Core/CError.h"
 #include "Core/CMemoryReader.h"
+#include "Tools/Docc/ThrowError.h"
 
 namespace brt {
 namespace {
-
-void throwIf(CError* error) {
-    if (!error) return;
-    const std::string message = error->message().toUtf8();
-    discardError(error);  // goes on as an exception
-    throw std::runtime_error(message);
-}
 
 void writeElement(CDocumentWriter& writer, const CElement& element) {
     for (const ElementAttribute& attribute : element.attributes) writer.attribute(attribute.name, attribute.value);

@@ -25,6 +25,9 @@ Example:
 int run(int argumentCount, char** arguments) {
     CLI::App app("Compiles the documents and resources of Halyard.", "docc");
     app.require_subcommand(0, 1);
+    app.failure_message([](const CLI::App*, const CLI::Error& error) {
+        return std::string("docc: ") + error.what() + "; see 'docc --help'\n";
+    });
     std::string dumped;
     app.add_option("--dump", dumped, "The same as the command dump")->type_name("FILE");
 
@@ -56,6 +59,8 @@ int run(int argumentCount, char** arguments) {
     try {
         app.parse(argumentCount, arguments);
         if (app.get_subcommands().empty() && dumped.empty()) throw CLI::CallForHelp();
+        if (!app.get_subcommands().empty() && app.count("--dump") > 0)
+            throw CLI::ExcludesError("--dump", app.get_subcommands().front()->get_name());
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : 2;
     }
