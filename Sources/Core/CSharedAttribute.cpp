@@ -53,8 +53,10 @@ void CSharedAttribute::postUpdate(const CUpdateData*) { m_address->post(m_addres
 
 CError* CSharedAttribute::onUpdate() { return loadValue(); }
 
-// A setting is a user's text: braces in it are plain characters.
+// A setting is a user's text: braces in it are plain characters. An object whose `init` has failed has no store, and
+// may be told to read it all the same.
 CError* CSharedAttribute::loadValue() {
+    if (!m_store) return nullptr;
     CString value;
     m_store->getString(value, m_key, m_defaultValue);
     BRT_TRY(getFullName(), setAttrRaw(m_attributeName, value, kImmediate));

@@ -55,6 +55,7 @@ TEST_F(SharedAttribute, asksForAStoreAndAnAttribute) {
     EXPECT_EQ(make(ui(), "b", "core:shared-attribute", {{"attribute", "x"}}), "Invalid storage type \"\" specified.");
     EXPECT_EQ(make(ui(), "c", "core:shared-attribute", {{"storage-type", "local"}}),
               "No attached attribute name specified.");
+    EXPECT_EQ(messageOf(ui().findChild("a")->runEvent("update")), "") << "it hangs there without a store";
     EXPECT_EQ(shown(add(ui(), "no key", {{"def-value", "default"}})), "default");
 }
 
