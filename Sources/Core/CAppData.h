@@ -14,7 +14,8 @@
 //
 // Owner: the process; made at the first use, gone when the process's state stops. Threads: any. Locks: that of the
 // store covers memory alone. A file is read and written under a lock of its key, so a slow disk holds up those who want
-// this key from the disk and nobody else. `notify` runs under no lock.
+// this key from the disk and nobody else; but while the folders are looked for and made, once in the life of a store,
+// all that want something from its disk wait. `notify` runs under no lock.
 #pragma once
 
 #include <cstdint>
@@ -55,8 +56,9 @@ public:
     void getData(CStringView key, CByteBuffer& buffer, std::uint32_t tag, EAppDataRead read = kCachedRead);
 
     // [any] Stores a value, and tells listeners under the key, with `sender`, once it is safe on the disk. Where a
-    // file can't be written the value holds as long as the store. Where there is no folder nothing is stored. Of two
-    // changes of a key that both wait for the disk, the later alone is written and told.
+    // file can't be written nobody is told, and the value holds as long as the store, or until a forced read finds an
+    // older one. Where there is no folder nothing is stored. Of two changes of a key that both wait for the disk, the
+    // later alone is written and told.
     // The caller holds no lock that a listener takes.
     void setData(CStringView key, const CByteBuffer& buffer, const void* sender, std::uint32_t tag);
 

@@ -4,6 +4,7 @@
 #include "Core/CError.h"
 #include "Core/CPosStream.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 
@@ -119,7 +120,7 @@ CError* CDocument::takeBytes(CPosInputStream& stream, CStringView name) {
     int position = 0;
     BRT_TRY("", stream.getSizeInt(size));
     BRT_TRY("", stream.getPositionInt32(position));
-    const int left = size - position;
+    const int left = std::max(size - position, 0);
     if (left > kMaxBytes)
         return makeError(nullptr, __FILE__, __LINE__, "",
                          "@brtstr_CDocument_open_TooBig Document '%1' has %2 bytes, and %3 are allowed.", name, left,

@@ -7,9 +7,12 @@
 //                        -  the strings: UTF-8, each with a NUL behind it. String 0 is empty.
 //      8 + tableLength   -  the tree: one element, the root
 //
-//     node      u16 tag, u16 name, u8 kind, then by kind. Strings are given by index. Tag and name of the root count
-//     nothing. 0 element   u16 attrCount, attrCount x (u16 key, u16 value), u16 childCount, childCount nodes 1 template
-//     u16 classTag, u32 bodyLength, one element. Its tag is "template"; its body's own tag and name count nothing.
+//     node     u16 tag, u16 name, u8 kind, then what the kind says
+//     kind 0   an element: u16 attrCount, attrCount x (u16 key, u16 value), u16 childCount, childCount nodes
+//     kind 1   a template: u16 classTag, u32 bodyLength, one element, the body
+//
+// Strings are given by index. The tag of a template is "template". Tag and name of the root and of a body count
+// nothing.
 //
 // `open` checks all of it, so that whoever walks the tree later, a template years after its document, meets no
 // surprise: every index and length, the nesting, and that the strings together are no larger than their table.

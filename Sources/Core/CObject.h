@@ -2,10 +2,10 @@
 // The base of everything that a compiled document describes: an element with a tag, a name, attributes and children.
 //
 // Objects find each other by path, so that nearly all wiring of the program is data:
-//     "plugin.env"  from this tree's root      ".env"  a child        "^env"  a sibling      "^^"  the grandparent
-//     "shared::font.base"  in the shared tree   "/"  the root          "item#2"  the child "item" of index 2
-//     "item"  the one with the smallest index   "item#"  with the greatest      "item#+1", "item#-1"  counted from
-//     there
+//     "plugin.env"         from this tree's root, which is "/"
+//     ".env" "^env" "^^"   a child, a sibling, the grandparent
+//     "shared::font.base"  in the shared tree
+//     "item" "item#" of smallest, of greatest index; "item#2" of index 2; "item#+1" "item#-1" counted from these ends
 //
 // An object comes to life in stages. The loader assigns the attributes of its element, then runs `init`, `initChilds`,
 // builds each child completely, runs `initDone`. Handlers of attributes assigned with `kDeferred` wait until the base's
