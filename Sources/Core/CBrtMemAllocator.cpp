@@ -158,7 +158,7 @@ void* CBrtMemAllocator::realloc(void* block, std::size_t size) {
     return result;
 }
 
-void* CBrtMemAllocator::zlibAlloc(void*, unsigned items, unsigned size) { return alloc(std::size_t{items} * size); }
+void* CBrtMemAllocator::zlibAlloc(void*, unsigned items, unsigned size) { return tryAlloc(std::size_t{items} * size); }
 
 void CBrtMemAllocator::zlibFree(void*, void* block) noexcept { free(block); }
 

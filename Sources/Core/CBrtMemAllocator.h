@@ -14,8 +14,8 @@
 // all threads (CSizeClass.h). Builds with AddressSanitizer or ThreadSanitizer take every block from the system's heap,
 // under the same header, so that the sanitizers see each one.
 //
-// Threads: any. Usable before the first static constructor and after the last destructor. But for
-// `tryAlloc` no operation fails: where the system refuses memory the process ends with one line on standard error.
+// Threads: any. Usable before the first static constructor and after the last destructor. Only `tryAlloc` and
+// `zlibAlloc` can fail: elsewhere the process ends, with one line on standard error, if the system refuses memory.
 #pragma once
 
 #include <cstddef>
@@ -45,7 +45,7 @@ public:
     // lies elsewhere. A null block means `alloc`.
     [[nodiscard, gnu::returns_nonnull, gnu::alloc_size(2)]] static void* realloc(void* block, std::size_t size);
 
-    // [any] In the form that zlib calls. `opaque` is ignored.
+    // [any] `tryAlloc` and `free` in the form that zlib calls. `opaque` is ignored.
     static void* zlibAlloc(void* opaque, unsigned items, unsigned size);
     static void zlibFree(void* opaque, void* block) noexcept;
 
