@@ -16,7 +16,7 @@ function(brt_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "THREADS" "" "SOURCES;USES;DEPENDS_ON")
     add_executable(${name} ${arg_SOURCES})
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/Tests)
-    target_link_libraries(${name} PRIVATE ${arg_USES} brt_test_flags GTest::gmock GTest::gtest_main)
+    target_link_libraries(${name} PRIVATE ${arg_USES} brt_flags brt_test_flags GTest::gmock GTest::gtest_main)
     target_precompile_headers(${name} REUSE_FROM brt_test_environment)
     # What stands on the foundation must leave it as it found it.
     if("${arg_USES}" MATCHES "brt_core|brt_audio|brt_other|brt_ui|halyard")

@@ -106,7 +106,7 @@ TEST(CString, operandsMayBeTheStringItself) {
     EXPECT_EQ(text.slice(28), "CDEFEF");
     text.substring(text, 4, 3);
     EXPECT_EQ(text, "456");
-    text = text;
+    text = static_cast<const CString&>(text);
     EXPECT_EQ(text, "456");
     text.assign(text.slice(1));
     EXPECT_EQ(text, "56");

@@ -230,7 +230,7 @@ TEST_F(Timers, comeAndGoByTheThousand) {
     constexpr int kTimers = 10000;
     listenTo(timer("steady"));
     set(*ui().findChild("steady"), "interval", "0.001");
-    std::thread otherTree([this] {
+    std::thread otherTree([] {
         CObject* other = nullptr;
         EXPECT_EQ(messageOf(CApplication::initRootObject(other, "")), "");
         CObject* const bridge = add(*other, "ui", "ui:ui-event-bridge");

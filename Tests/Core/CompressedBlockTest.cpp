@@ -79,7 +79,7 @@ TEST(CompressedBlock, hasTheHeaderOfItsForm) {
 
 TEST(CompressedBlock, comesBackFromEverySource) {
     for (const Form form : kForms) {
-        for (const std::size_t size : {0, 1, 64, 65, 32753, 32768, 32769, 300000}) {
+        for (const std::size_t size : {0u, 1u, 64u, 65u, 32753u, 32768u, 32769u, 300000u}) {
             Bytes payload = randomBytes(size, 1);
             if (size > 32769) std::fill(payload.begin(), payload.end() - 40000, 'z');
             const Bytes bytes = block(form, payload);

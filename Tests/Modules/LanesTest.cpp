@@ -88,13 +88,13 @@ TEST_P(LanesTest, MinAndMaxTakeTheSecondOneBesideNaN) {
 
 // The rest of a loop, done one by one, must not be heard beside the part done in vectors.
 TEST_P(LanesTest, VectorsAndDoublesRoundAlike) {
-    const int count = 800;
+    constexpr std::size_t count = 800;
     std::vector<double> in(3 * count), vectors(3 * count), doubles(3 * count);
     std::srand(1);
     for (double& x : in) x = std::rand() / static_cast<double>(RAND_MAX) - 0.5;
-    m_probe.mulAdds(in.data(), vectors.data(), doubles.data(), count);
+    m_probe.mulAdds(in.data(), vectors.data(), doubles.data(), static_cast<int>(count));
     EXPECT_EQ(vectors, doubles);
-    for (int i = 0; i < count; ++i) EXPECT_NEAR(doubles[i], in[i] * in[i + count] + in[i + 2 * count], 1e-15);
+    for (std::size_t i = 0; i < count; ++i) EXPECT_NEAR(doubles[i], in[i] * in[i + count] + in[i + 2 * count], 1e-15);
 }
 
 INSTANTIATE_TEST_SUITE_P(Builds, LanesTest, ::testing::ValuesIn(supportedBuilds()), buildOfTest);
