@@ -180,10 +180,11 @@ void CAudioParam::resetToDefault(int group, int element, const CAudioParamChange
     const CAudioParamStorage& from = isThere ? m_defaults : m_control;
     // Whole elements, so that all sub-values come along.
     CSmallArray<double> values;
-    for (int sub = 0; sub < from.format().elementSize; ++sub)
-        values.append(
-            isThere ? from.values(fromGroup)[static_cast<std::size_t>(fromElement * from.format().elementSize + sub)]
-                    : from.defaultValue(fromElement, sub));
+    const int elementSize = from.format().elementSize;
+    const auto first = static_cast<std::size_t>(fromElement) * static_cast<std::size_t>(elementSize);
+    for (int sub = 0; sub < elementSize; ++sub)
+        values.append(isThere ? from.values(fromGroup)[first + static_cast<std::size_t>(sub)]
+                              : from.defaultValue(fromElement, sub));
     CAudioParamUpdate change = oneElement(group, element, values.begin());
     change.data = &from.data();
     // The items of the reset belong to this parameter itself, and are copied before it changes.

@@ -105,7 +105,7 @@ public:
 
     // The common path of all changes. Ignored: a change of another format, one beyond the limits of groups and
     // elements, one with a number that is none. Its values are not those of this parameter itself.
-    void update(const CAudioParamUpdate& update, const CAudioParamChangeContext& context);
+    void update(const CAudioParamUpdate& requested, const CAudioParamChangeContext& context);
 
     // Back to what a user's reset means: the values of the default preset where there is one. `group` or `element` may
     // be all. `useFirstDefault`: an element takes the very first of those values.

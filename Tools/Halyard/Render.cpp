@@ -98,8 +98,8 @@ std::int64_t countAbove(const CPlanarBuffer& buffer, int frameCount, double thre
 }
 
 // Sends the whole input through the lines, and silence behind it until the last of it has come out.
-void pump(CSoundReader& reader, const ProcessorSettings& settings, int latencySamples, std::vector<COutputLine*> lines,
-          RenderSummary& summary, CProgressBar& progress) {
+void pump(CSoundReader& reader, const ProcessorSettings& settings, int latencySamples,
+          const std::vector<COutputLine*>& lines, RenderSummary& summary, CProgressBar& progress) {
     CPlanarBuffer piece(reader.channelCount(), kPieceFrames);
     const double clipLevel = 1 / dbToFactor(settings.inputGainDb);
     int silenceLeft = latencySamples;
