@@ -10,6 +10,7 @@
 #include "Documents/ProductTags.h"
 #include "Documents/Resources.h"
 #include "Modules/CModOutput.h"
+#include "Platform/CCriticalSection.h"
 #include "Tools/Halyard/ToolError.h"
 
 namespace brt {
@@ -17,14 +18,17 @@ namespace {
 
 void succeed(CError* error) {
     if (error == nullptr) return;
-    CString text;
-    errorToText(error, text, true);
-    throw CToolError("the plug-in can't be started: " + text.toUtf8());
+    const std::string message = error->message().toUtf8();
+    discardError(error);  // told by the exception
+    throw CToolError("the plug-in can't be started: " + message);
 }
 
 }  // namespace
 
+// Several jobs may ask at once; the shared tree can be seen while it is still being built.
 void startApplication() {
+    static constinit CCriticalSection s_lock;
+    const CLock lock(s_lock);
     if (CApplication::sharedObject() == nullptr) CApplication::start({productTags(), kHalyardResources});
     if (CApplication::sharedObject() == nullptr)
         throw CToolError("the shared document of this program can't be loaded; see above");
