@@ -44,6 +44,7 @@ CToolInstance::CToolInstance() {
     m_root.reset(root);
     succeed(root->createChild(plugin, "plugin", "plugin", kTemplateRequired));
     succeed(root->findObjectChecked(m_collector, "plugin.param-collector"));
+    succeed(root->findObjectChecked(m_hostParams, "plugin.ext-param-list"));
     succeed(root->findObjectChecked(main, "shared::audio.modMain"));
     succeed(root->findObjectChecked(output, "shared::audio.modOutput"));
     m_graph = std::make_unique<CAudioGraph>(m_collector->env(), *m_collector, nullptr);

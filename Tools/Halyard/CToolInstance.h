@@ -5,6 +5,7 @@
 
 #include <memory>
 
+#include "Audio/CAudioExtParamList.h"
 #include "Core/CObject.h"
 #include "Core/CProcess.h"
 #include "Modules/CAudioGraph.h"
@@ -35,6 +36,7 @@ public:
 
     int latencySamples() const noexcept { return m_collector->env().latencySamples(); }
     CAudioParamCollector& collector() const noexcept { return *m_collector; }
+    const CAudioExtParamList& hostParams() const noexcept { return *m_hostParams; }
     CAudioGraph& graph() const noexcept { return *m_graph; }
 
 private:
@@ -45,6 +47,7 @@ private:
     const CProcessInstance m_processInstance;
     std::unique_ptr<CObject, CRelease> m_root;
     CAudioParamCollector* m_collector = nullptr;
+    CAudioExtParamList* m_hostParams = nullptr;
     std::unique_ptr<CAudioGraph> m_graph;
     int m_channelCount = 0;
     double m_sampleRate = 0.0;

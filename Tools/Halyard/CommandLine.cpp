@@ -171,6 +171,21 @@ Examples:
   halyard graph --dot | dot -Tsvg > graph.svg)");
 }
 
+void addParams(CLI::App& app, ParamsRequest& request) {
+    CLI::App& command = *app.add_subcommand("params", "Print the parameters of an instance, or try values of one");
+    command.add_option("name", request.name, "The parameter, or the end of its name (all)")->type_name("NAME");
+    command.add_option("values", request.values, "Values as a user types them")->type_name("VALUE");
+    command.footer(
+        R"(The list shows range and default as users see them, and as what number and name a host knows the parameter. With
+values, each is shown from all sides: as modules read it, as controls and hosts do (0 to 1), and as text in its four
+forms.
+
+Examples:
+  halyard params
+  halyard params ingain 6 12,5 99
+  halyard params outgain -- -6 -0.5)");
+}
+
 // The library's words for what is wrong with a command's options.
 std::string reasonOf(const CLI::ParseError& error) {
     std::string text = error.what();
@@ -191,7 +206,7 @@ std::string oneLine(const CLI::App& app, const CLI::ParseError& error, const std
     }
     const std::string wrong =
         firstArgument.empty() ? "no command is given" : brt::quoted(firstArgument) + " is no command";
-    return wrong + "; use render, plot, measure, demo-signal, tree or graph, and see 'halyard --help'";
+    return wrong + "; use render, plot, measure, demo-signal, tree, graph or params, and see 'halyard --help'";
 }
 
 }  // namespace
@@ -203,6 +218,7 @@ Request parseCommandLine(int argumentCount, const char* const* arguments) {
     DemoSignalRequest demoSignal;
     TreeRequest tree;
     GraphRequest graph;
+    ParamsRequest params;
     std::string sampleFormat;
 
     CLI::App app("Halyard: a clipper for mastering that runs at 128 times the sample rate.", "halyard");
@@ -215,6 +231,7 @@ Request parseCommandLine(int argumentCount, const char* const* arguments) {
     addDemoSignal(app, demoSignal);
     addTree(app, tree);
     addGraph(app, graph);
+    addParams(app, params);
     app.footer(R"(Each command explains itself: halyard render --help
 
 Example:
@@ -238,6 +255,7 @@ Example:
     if (command == "measure") return measure;
     if (command == "tree") return tree;
     if (command == "graph") return graph;
+    if (command == "params") return params;
     return demoSignal;
 }
 

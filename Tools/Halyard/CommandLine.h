@@ -8,6 +8,7 @@
 #include "Tools/Halyard/DemoSignal.h"
 #include "Tools/Halyard/GraphCommand.h"
 #include "Tools/Halyard/MeasureCommand.h"
+#include "Tools/Halyard/ParamsCommand.h"
 #include "Tools/Halyard/PlotCommand.h"
 #include "Tools/Halyard/RenderCommand.h"
 #include "Tools/Halyard/TreeCommand.h"
@@ -19,8 +20,8 @@ struct TextRequest {
     std::string text;
 };
 
-using Request =
-    std::variant<TextRequest, RenderRequest, PlotRequest, MeasureRequest, DemoSignalRequest, TreeRequest, GraphRequest>;
+using Request = std::variant<TextRequest, RenderRequest, PlotRequest, MeasureRequest, DemoSignalRequest, TreeRequest,
+                             GraphRequest, ParamsRequest>;
 
 // Throws CUsageError with the one line that tells what is wrong.
 Request parseCommandLine(int argumentCount, const char* const* arguments);

@@ -36,6 +36,7 @@ struct Runner {
     int operator()(const brt::DemoSignalRequest& request) const { return brt::runDemoSignal(request); }
     int operator()(const brt::TreeRequest& request) const { return brt::runTree(request); }
     int operator()(const brt::GraphRequest& request) const { return brt::runGraph(request); }
+    int operator()(const brt::ParamsRequest& request) const { return brt::runParams(request); }
 };
 
 int fail(int status, const char* text) {
