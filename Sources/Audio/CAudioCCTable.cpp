@@ -32,6 +32,7 @@ void CAudioCCTable::onMapChanged(const CUpdateData*) { reload(); }
 
 // Instance trees do not change once they stand, so names may be looked up on any thread.
 void CAudioCCTable::reload() {
+    const CLock oneAtATime(m_reloadLock);  // the last one to read is the last one to write
     CByteBuffer bytes;
     CAppData::local().getData(kKey, bytes, appDataTag::kRecord);
     Targets targets{};

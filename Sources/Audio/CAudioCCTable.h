@@ -30,6 +30,7 @@ private:
     void reload();
     [[nodiscard]] CError* readMap(CInputStream& stream, Targets& targets) const;
 
+    CCriticalSection m_reloadLock;  // before the other
     mutable CCriticalSection m_lock{50};
     Targets m_targets BRT_GUARDED_BY(m_lock){};
     CAppDataListener<CAudioCCTable> m_listener{*this, &CAudioCCTable::onMapChanged};

@@ -162,10 +162,24 @@ void CAudioParam::removeFilter(CAudioParamFilter& filter) {
     if (index >= 0) m_filters.removeAt(index);
 }
 
+void CAudioParam::listDependents(CSmallArray<CAudioParam*>& params) const {
+    for (const CAudioParamFilter* const filter : m_filters)
+        for (CAudioParam* const param : filter->destinations())
+            if (params.find(param) < 0) params.append(param);
+}
+
+// A reset names places as updates do: of a single group or element there is the first alone.
+void CAudioParam::mapPlace(int& group, int& element) const noexcept {
+    if (group == kWholeParam) return;
+    if (m_control.format().isSingleGroup && group > 0) group = 0;
+    if (m_control.format().isSingleElement && element > 0) element = 0;
+}
+
 void CAudioParam::resetToDefault(int group, int element, const CAudioParamChangeContext& context,
                                  bool useFirstDefault) {
     const CRankedLock lock(m_section);
     if (!m_control.isValid()) return;
+    mapPlace(group, element);
     const int groupCount = std::max(m_control.groupCount(), m_defaults.groupCount());
     if (group == kAllGroups) {
         for (int g = 0; g < groupCount; ++g) resetGroup(g, context);
@@ -203,6 +217,7 @@ void CAudioParam::resetToDefinition(int group, int element, bool isLastElement,
                                     const CAudioParamChangeContext& context) {
     const CRankedLock lock(m_section);
     if (!m_control.isValid()) return;
+    mapPlace(group, element);
     if (group == kAllGroups) {
         const int groupCount = std::max(m_control.groupCount(), 1);
         for (int g = 0; g < groupCount; ++g) resetGroupToDefinition(g, context);
@@ -269,9 +284,18 @@ CAudioParamLocks::CAudioParamLocks(std::span<CAudioParam* const> params) {
     CSmallArray<CAudioParam*> ordered;
     for (CAudioParam* const param : params)
         if (param != nullptr && ordered.find(param) < 0) ordered.append(param);
-    std::sort(ordered.begin(), ordered.end(),
-              [](CAudioParam* a, CAudioParam* b) { return a->section().isBefore(b->section()); });
-    for (CAudioParam* const param : ordered) m_locks.append(new CRankedLock(param->section()));
+    const auto lockInOrder = [&](ELockRank rank) {
+        std::sort(ordered.begin(), ordered.end(),
+                  [](CAudioParam* a, CAudioParam* b) { return a->section().isBefore(b->section()); });
+        for (CAudioParam* const param : ordered)
+            if (param->section().rank() == rank) m_locks.append(new CRankedLock(param->section()));
+    };
+    lockInOrder(ELockRank::kParam);
+    // Filters can be asked for what they write now that their sources are held.
+    const int givenCount = ordered.count();
+    for (int i = 0; i < givenCount; ++i)
+        if (ordered[i]->section().rank() == ELockRank::kParam) ordered[i]->listDependents(ordered);
+    lockInOrder(ELockRank::kDependentParam);
 }
 
 }  // namespace brt

@@ -86,7 +86,10 @@ public:
     // Who locks several takes those of rank kParam first, each rank in the order of names: CAudioParamLocks does.
     CRankedSection& section() noexcept BRT_RETURN_CAPABILITY(m_section) { return m_section; }
     // [init] Others write into it: filters, the names of presets.
-    void makeDependent() noexcept { m_section.setRank(ELockRank::kDependentParam); }
+    void makeDependent() noexcept {
+        // A process that comes back names it again, while other threads may hold it.
+        if (m_section.rank() != ELockRank::kDependentParam) m_section.setRank(ELockRank::kDependentParam);
+    }
 
     // Reading. The references are good under the parameter's lock.
     const CAudioParamStorage& control() const noexcept { return m_control; }
@@ -129,6 +132,8 @@ public:
     // Filters that run when this parameter changes. REQUIRES: the parameter's lock.
     void addFilter(CAudioParamFilter& filter) { m_filters.append(&filter); }
     void removeFilter(CAudioParamFilter& filter);
+    // Appends the parameters that they write, each once. REQUIRES: the parameter's lock.
+    void listDependents(CSmallArray<CAudioParam*>& params) const;
 
     // The audio side.
     // [audio] Its values.
@@ -157,6 +162,7 @@ private:
     void setItem(int group, int element, std::unique_ptr<CAudioParamDataItem> item, const void* source,
                  const CAudioParamChangeContext& context);
     CAudioParamUpdate oneElement(int group, int element, const double* values) const noexcept;
+    void mapPlace(int& group, int& element) const noexcept;
     void resetGroup(int group, const CAudioParamChangeContext& context);
     void resetGroupToDefinition(int group, const CAudioParamChangeContext& context);
     void loadDefault(const double* values, const CAudioParamData& data, int element, bool isReset,
@@ -181,7 +187,8 @@ private:
     CAudioParamUser* m_firstUser = nullptr;         // changed on the audio thread, or while it stands still
 };
 
-// Locks several parameters, in their order, for the life of a scope.
+// Locks several parameters, in their order, for the life of a scope; also those that their filters write, since a batch
+// holds changes of these too.
 class CAudioParamLocks {
 public:
     // `params` may hold one several times, and null.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 // How a storage turns into text and bytes: the defaults of a definition, and the data set of presets and messages.
+#include <algorithm>
 #include <cmath>
 
 #include "Audio/CAudioParamConverter.h"
@@ -166,7 +167,11 @@ CError* CAudioParamStorage::loadGroup(CInputStream& stream, int group, const CAu
         }
         values.append(value);
     }
-    apply(wholeGroup(group, m_format, values, items));
+    // Where there is one group or element, the others of a set would end up in its place.
+    if (m_format.isSingleGroup && group > 0) return nullptr;
+    CAudioParamUpdate whole = wholeGroup(group, m_format, values, items);
+    if (m_format.isSingleElement) whole.elementCount = std::min(whole.elementCount, 1);
+    apply(whole);
     return nullptr;
 }
 

@@ -29,6 +29,9 @@ public:
     // Called by a source after each change of it.
     void run(const CAudioParamUpdate& update, const CAudioParamChangeContext& context);
 
+    // The parameters that it writes.
+    const Params& destinations() const noexcept { return m_destinations; }
+
 protected:
     virtual int minSources() const = 0;
     virtual int minDestinations() const = 0;
@@ -38,7 +41,6 @@ protected:
     virtual int compute(int group, int element, double* values) const;
 
     const Params& sources() const noexcept { return m_sources; }
-    const Params& destinations() const noexcept { return m_destinations; }
 
 private:
     void runForPresentValues(CAudioParam& source);

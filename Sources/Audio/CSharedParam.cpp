@@ -4,6 +4,8 @@
 #include "Audio/CAudioParamCollector.h"
 #include "Audio/CAudioParamConverter.h"
 
+#include <algorithm>
+
 namespace brt {
 
 // Writes the store, which is a file, and tells other instances: under no lock.
@@ -49,55 +51,78 @@ void CSharedParam::onParamChanged(const CUpdateData* data) {
     if (data->sender != this) deferCall(std::unique_ptr<CDeferredCall>(new CStoreCall(*this)));
 }
 
-// The store is read before the parameter is locked: it may have to read a file.
+// While this loads, another thread may change the parameter or the store. So whoever has written one side looks at the
+// other again: of two that meet, at least one sees what the other has done, and repeats.
 void CSharedParam::load() {
-    const CAudioParamInfo* const info = m_param.info();
-    if (info == nullptr) return;
-    if (info->format.dataType != EAudioDataType::kRaw) return loadText(*info);
-    CByteBuffer bytes;
-    m_store.getData(m_dataName, bytes, appDataTag::kRecord);
-    if (!bytes.isEmpty()) m_param.setRaw(0, 0, bytes, this);
+    CStored stored[2];
+    readStore(stored[0]);
+    for (int i = 0;; i ^= 1) {
+        apply(stored[i]);
+        readStore(stored[i ^ 1]);
+        if (stored[0].isSameAs(stored[1])) return;
+    }
 }
 
-void CSharedParam::loadText(const CAudioParamInfo& info) {
-    CString text;
-    m_store.getString(text, m_dataName, m_defaultText);
-    if (!info.format.isFloat()) return m_param.setString(0, 0, text, this);
-    if (info.converter() == nullptr) return;
+void CSharedParam::store() {
+    CStored values[2];
+    if (!readParam(values[0])) return;
+    for (int i = 0;; i ^= 1) {
+        if (values[i].type == EAudioDataType::kRaw)
+            m_store.setData(m_dataName, values[i].bytes, this, appDataTag::kRecord);
+        else
+            m_store.setString(m_dataName, values[i].text, this);
+        if (!readParam(values[i ^ 1]) || values[0].isSameAs(values[1])) return;
+    }
+}
+
+bool CSharedParam::CStored::isSameAs(const CStored& other) const noexcept {
+    return type == other.type && text == other.text && bytes.size() == other.bytes.size() &&
+           std::equal(bytes.data(), bytes.data() + bytes.size(), other.bytes.data());
+}
+
+// Under no lock: it may have to read a file.
+void CSharedParam::readStore(CStored& stored) {
+    const CAudioParamInfo* const info = m_param.info();
+    if (info == nullptr) return;
+    stored.type = info->format.dataType;
+    if (stored.type == EAudioDataType::kRaw)
+        m_store.getData(m_dataName, stored.bytes, appDataTag::kRecord);
+    else
+        m_store.getString(stored.text, m_dataName, m_defaultText);
+}
+
+void CSharedParam::apply(const CStored& stored) {
+    const CAudioParamInfo* const info = m_param.info();
+    if (info == nullptr) return;
+    if (stored.type == EAudioDataType::kString) return m_param.setString(0, 0, stored.text, this);
+    if (stored.type == EAudioDataType::kRaw) {
+        if (!stored.bytes.isEmpty()) m_param.setRaw(0, 0, stored.bytes, this);
+        return;
+    }
+    if (info->converter() == nullptr) return;
     bool ok = false;
-    const double value = info.converter()->parseClamped(info, 0, text, ok);
+    const double value = info->converter()->parseClamped(*info, 0, stored.text, ok);
     if (ok) m_param.setFloat(value, 0, this);
 }
 
-bool CSharedParam::readValue(CString& text, CByteBuffer& bytes, EAudioDataType& type) {
+bool CSharedParam::readParam(CStored& stored) {
     const CRankedLock lock(m_param.section());
     const CAudioParamInfo* const info = m_param.info();
     const CAudioParamStorage& control = m_param.control();
     if (info == nullptr || !control.isValid() || control.elementCount(0) == 0) return false;
-    type = control.format().dataType;
+    stored.type = control.format().dataType;
     const double value = control.values(0)[0];
-    if (type == EAudioDataType::kFloat) {
+    if (stored.type == EAudioDataType::kFloat) {
         if (info->converter() == nullptr) return false;
-        info->converter()->format(text, *info, 0, value, control.data(), EAudioTextMode::kPlain);
-    } else if (type == EAudioDataType::kString) {
-        text = control.data().text(value);
+        info->converter()->format(stored.text, *info, 0, value, control.data(), EAudioTextMode::kPlain);
+    } else if (stored.type == EAudioDataType::kString) {
+        stored.text = control.data().text(value);
     } else {
         const auto* const item = dynamic_cast<const CAudioParamDataItemRaw*>(control.data().find(value));
         if (item == nullptr) return false;
-        bytes.assign(item->bytes().data(), item->bytes().size());
+        stored.bytes.assign(item->bytes().data(), item->bytes().size());
     }
     return true;
-}
-
-void CSharedParam::store() {
-    CString text;
-    CByteBuffer bytes;
-    EAudioDataType type{};
-    if (!readValue(text, bytes, type)) return;
-    if (type == EAudioDataType::kRaw)
-        m_store.setData(m_dataName, bytes, this, appDataTag::kRecord);
-    else
-        m_store.setString(m_dataName, text, this);
 }
 
 }  // namespace brt

@@ -24,11 +24,20 @@ private:
 
     void onParamChanged(const CUpdateData* data);
     void onStoreChanged(const CUpdateData* data);
+    // As it stands in the store.
+    struct CStored {
+        EAudioDataType type{};
+        CString text;       // of numbers and strings
+        CByteBuffer bytes;  // raw
+        bool isSameAs(const CStored& other) const noexcept;
+    };
+
     void load();
-    void loadText(const CAudioParamInfo& info);
     void store();
+    void readStore(CStored& stored);
+    void apply(const CStored& stored);
     // False if there is nothing to store.
-    bool readValue(CString& text, CByteBuffer& bytes, EAudioDataType& type);
+    bool readParam(CStored& stored);
 
     CAudioParam& m_param;
     CAppData& m_store;

@@ -174,5 +174,16 @@ TEST_F(CAudioParamTest, onlyWhatIsStoredIsRecorded) {
     EXPECT_EQ(recorder.m_lines, std::vector<std::string>{"gain 2 had 0 has 2"});
 }
 
+TEST_F(CAudioParamTest, aSingleGroupAnswersForAll) {
+    CAudioParam& single = param("single", {5}, {.isSingleGroup = true, .isSingleElement = true});
+    CAudioParam& several = param("several", {5});
+    change(several, 0, 0, {7});
+    change(several, 1, 0, {9});
+    EXPECT_EQ(load(single, saved(several)), "");
+    EXPECT_EQ(values(single.control(), 0), (std::vector<double>{7})) << "further groups of a set have no place";
+    single.resetToDefault(3, 2, {});
+    EXPECT_EQ(single.getFloat(0, 0, 0), 5) << "a reset of any group";
+}
+
 }  // namespace
 }  // namespace brt

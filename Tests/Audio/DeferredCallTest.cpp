@@ -144,10 +144,18 @@ TEST_F(DeferredCallTest, soloedGroupsKeepTheSoloStageIn) {
     EXPECT_EQ(messageOf(filter.init(collector(), sources, destinations)), "");
     filter.activate();
     EXPECT_EQ(bypass.getFloat(0, 0, -1), 1.0) << "a group that was never set counts as not soloed";
-    CAudioParamQueue batch;
-    solo.setFloatAt(3, 0, 1.0, this, {.batch = &batch});
-    EXPECT_EQ(bypass.getFloat(0, 0, -1), 0.0);
-    EXPECT_EQ(batch.count(), 2) << "what the filter writes travels in the same batch";
+    {
+        CAudioParamQueue batch;
+        CAudioParam* const params[] = {&solo};
+        const CAudioParamLocks locks(params);
+        solo.setFloatAt(3, 0, 1.0, this, {.batch = &batch});
+        EXPECT_EQ(bypass.getFloat(0, 0, -1), 0.0);
+        EXPECT_EQ(batch.count(), 2) << "what the filter writes travels in the same batch";
+        EXPECT_TRUE(bypass.section().isHeld()) << "until the batch has gone over";
+        collector().handOver(batch);
+    }
+    playChunk();
+    EXPECT_EQ(bypass.audio().value(0, 0, -1), 0.0);
     solo.setFloat(0.0, 3, this);
     EXPECT_EQ(bypass.getFloat(0, 0, -1), 1.0);
 }
