@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
-// The one application that the benchmarks of the object tree share.
+// The one application that the benchmarks share: the product's classes and documents, and their own.
 #pragma once
 
 #include "Core/CApplication.h"

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <vector>
 
+#include "BenchTree.h"
 #include "Modules/CHalyardCore.h"
 #include "Targets.h"
 #include "Tools/Halyard/CToolInstance.h"
@@ -21,6 +22,7 @@ std::vector<double> signal() {
 // One item is one sample of one channel.
 void graph(benchmark::State& state) {
     const int channels = static_cast<int>(state.range(0));
+    bench::startApplication();
     brt::CToolInstance instance;
     instance.setLayout(channels, 48000.0, 2);
     const std::vector<double> in = signal();

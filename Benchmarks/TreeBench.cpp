@@ -10,8 +10,9 @@
 #include "Core/CBrtMemAllocator.h"
 #include "Core/CDocumentWriter.h"
 #include "Core/CError.h"
-#include "Core/CoreTags.h"
 #include "Core/LittleEndian.h"
+#include "Documents/ProductTags.h"
+#include "Documents/Resources.h"
 #include "Targets.h"
 
 namespace {
@@ -198,12 +199,16 @@ BENCHMARK(setAttribute)->Name("tree/set_and_handle");
 
 }  // namespace
 
+// The product's own, so that the running graph has it too, with the classes and the document of the benchmarks added.
 void bench::startApplication() {
     static const bool isStarted = [] {
         static constexpr CCreatorRow kTags[] = {creatorRow<CBenchView>("bench:view")};
-        const std::span<const CCreatorRow> tables[] = {coreTags(), kTags, eventTags()};
-        static const CResourceRow kResources[] = {{documentResource().data(), "Bench.xml"}, {nullptr, nullptr}};
-        CApplication::start({tables, kResources, ""});
+        std::vector<std::span<const CCreatorRow>> tables(productTags().begin(), productTags().end());
+        tables.insert(tables.end(), {kTags, eventTags()});
+        std::vector<CResourceRow> resources = {{documentResource().data(), "Bench.xml"}};
+        for (const CResourceRow* row = kHalyardResources; row->data != nullptr; ++row) resources.push_back(*row);
+        resources.push_back({});
+        CApplication::start({tables, resources.data()});
         return true;
     }();
     benchmark::DoNotOptimize(isStarted);
