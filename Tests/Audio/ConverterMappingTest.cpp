@@ -101,31 +101,5 @@ TEST_F(ConverterMappingTest, limitKeepsToTheRangeInBothDirections) {
     }
 }
 
-// What a read-out shows is what it takes: a second reading changes nothing.
-TEST_F(ConverterMappingTest, shownTextReadsBackAsTheShownValue) {
-    const struct {
-        const char *converter, *minimum, *maximum;
-    } kRanges[] = {
-        {"gain", "-96", "96"},  {"percent", "0", "100"}, {"time", "0", "5000"}, {"time", "0.1", "10000"},
-        {"real", "10", "8192"}, {"freq", "1", "192000"}, {"enum", "0", "256"},  {"enum-enable", "0", "1"},
-    };
-    for (const auto& [converter, minimum, maximum] : kRanges) {
-        const CAudioParamInfo& info = ranged(converter, minimum, maximum);
-        for (int i = 0; i <= 500; ++i) {
-            const double value = internal(info, i / 500.0);
-            for (const auto mode : {EAudioTextMode::kPlain, EAudioTextMode::kPrecise}) {
-                const std::string first = shown(info, value, mode);
-                bool ok = false;
-                const double read = info.converter()->parseClamped(info, 0, first, ok);
-                EXPECT_TRUE(ok) << converter << " " << first;
-                EXPECT_EQ(shown(info, read, mode), first) << converter;
-                std::string withComma = first;
-                std::replace(withComma.begin(), withComma.end(), '.', ',');
-                EXPECT_EQ(info.converter()->parseClamped(info, 0, withComma, ok), read) << converter;
-            }
-        }
-    }
-}
-
 }  // namespace
 }  // namespace brt
