@@ -13,6 +13,7 @@
 #include "Audio/CAudioProcessBypassStateDef.h"
 #include "Audio/CAudioProcessDef.h"
 #include "Audio/CAudioProcessLinkDef.h"
+#include "Audio/CAudioVizCollector.h"
 #include "Audio/Converters/CAudioParamConverterEnum.h"
 #include "Audio/Converters/CAudioParamConverterFreq.h"
 #include "Audio/Converters/CAudioParamConverterGain.h"
@@ -45,6 +46,7 @@ std::span<const CCreatorRow> audioTags() noexcept {
         creatorRow<CAudioProcessBypassStateDef>("audio:process-bypass-state"),
         creatorRow<CAudioProcessDef>("audio:process-def"),
         creatorRow<CAudioProcessLinkDef>("audio:process-link"),
+        creatorRow<CAudioVizCollector>("audio:viz-collector"),
     };
     return kTags;
 }

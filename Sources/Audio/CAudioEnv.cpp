@@ -3,6 +3,8 @@
 
 #include "Core/CClassInfo.h"
 
+#include <algorithm>
+
 namespace brt {
 
 void CAudioEnv::describeClass(CClassInfo& info) { CObject::describeClass(info); }
@@ -17,6 +19,23 @@ bool CAudioEnv::setSampleRate(double sampleRateHz) noexcept {
     const CSwapLock lock(m_section);
     m_sampleRate.store(sampleRateHz, std::memory_order_relaxed);
     return true;
+}
+
+void CAudioEnv::requestFrameRate(double framesPerSecond) noexcept {
+    if (!(framesPerSecond > 0.0)) return;
+    const CSwapLock lock(m_section);
+    m_requestedFrameRate = std::clamp(framesPerSecond, kLowestFrameRate, kHighestFrameRate);
+}
+
+void CAudioEnv::beginBlock(double endSeconds) noexcept {
+    const CSwapLock lock(m_section);
+    m_blockEndSeconds.store(endSeconds, std::memory_order_relaxed);
+    m_frameRate.store(m_requestedFrameRate, std::memory_order_relaxed);
+}
+
+void CAudioEnv::setDefaultFrameRate(double framesPerSecond) noexcept {
+    requestFrameRate(framesPerSecond);
+    beginBlock(blockEndSeconds());
 }
 
 }  // namespace brt

@@ -36,11 +36,34 @@ public:
     // [audio]
     void setLatency(int samples) noexcept { m_latencySamples.store(samples, std::memory_order_relaxed); }
 
+    // The stream, in seconds since the instance began.
+    // [audio] Where the chunk at hand begins.
+    double streamSeconds() const noexcept { return m_streamSeconds.load(std::memory_order_relaxed); }
+    void setStreamSeconds(double seconds) noexcept { m_streamSeconds.store(seconds, std::memory_order_relaxed); }
+    // [any] Up to where the audio thread has got, or is about to.
+    double blockEndSeconds() const noexcept { return m_blockEndSeconds.load(std::memory_order_relaxed); }
+
+    // How many frames of displays a second there are to be: what a window asks for holds from the next block on.
+    static constexpr double kLowestFrameRate = 1.0;
+    static constexpr double kHighestFrameRate = 1000.0;
+    // [any]
+    double frameRate() const noexcept { return m_frameRate.load(std::memory_order_relaxed); }
+    // [any] Rates beyond the limits are brought within them; what is no rate at all changes nothing.
+    void requestFrameRate(double framesPerSecond) noexcept;
+    // [audio] A block begins: tells where it ends, and takes over the frame rate that was asked for last.
+    void beginBlock(double endSeconds) noexcept BRT_REALTIME;
+    // [init] The rate as long as nobody has asked for one.
+    void setDefaultFrameRate(double framesPerSecond) noexcept;
+
 private:
     mutable CPriorityLock m_section;
     std::atomic<bool> m_isActive{false};
     std::atomic<double> m_sampleRate{44100.0};
     std::atomic<int> m_latencySamples{0};
+    std::atomic<double> m_streamSeconds{0.0};
+    std::atomic<double> m_blockEndSeconds{0.0};
+    std::atomic<double> m_frameRate{30.0};
+    double m_requestedFrameRate BRT_GUARDED_BY(m_section) = 30.0;
 };
 
 }  // namespace brt

@@ -90,7 +90,7 @@ private:
     CStringView resolveAlias(CStringView name) const BRT_REQUIRES(m_mapSection);
     void offer(CAudioParam& param);
 
-    const CAudioParamStorage m_noValues;
+    const CAudioParamStorage m_noValues{};
     CAudioEnv* m_env = nullptr;
     bool m_isStarted = false;
 
