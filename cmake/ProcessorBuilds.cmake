@@ -17,7 +17,7 @@ set(BRT_BUILD_FLAGS_avx512 -DBRT_LANES=8 -march=x86-64-v4 -mprefer-vector-width=
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # gcc 12 takes the "undefined" operand inside its own AVX-512 operations for a fault of ours. The other builds
     # compile the same lines with the warning on.
-    list(APPEND BRT_BUILD_FLAGS_avx512 -Wno-uninitialized)
+    list(APPEND BRT_BUILD_FLAGS_avx512 -Wno-uninitialized -Wno-maybe-uninitialized)
 endif()
 
 if(HALYARD_SANITIZER MATCHES "address" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
