@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "Audio/CAudioProcessDefBase.h"
+#include "Audio/CAudioVizCollector.h"
 #include "Core/CError.h"
 #include "Modules/CModOutput.h"
 
@@ -39,6 +40,7 @@ void CAudioGraph::setInput(std::span<const CAudioChannel> channels, double sampl
 void CAudioGraph::applyUpdates() {
     m_context.collector.takeUpdates(m_updates);
     m_context.collector.applyUpdates(m_updates);
+    if (m_context.viz != nullptr) m_context.viz->applyPending(m_context.viz->takePending());
 }
 
 void CAudioGraph::process(const double* const* inputs, double* const* outputs, int outputCount, int frames) {

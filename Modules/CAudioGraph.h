@@ -35,7 +35,7 @@ public:
     // [audio] The channels that come in, by number, with their groups.
     void setInput(std::span<const CAudioChannel> channels, double sampleRate);
 
-    // [audio] Lets the changes in that wait.
+    // [audio] Lets the changes in that wait, and counts those who watch meters.
     void applyUpdates();
     // [audio] One block: `inputs` one pointer for each channel of the layout, `outputs` one for each channel number
     // that is wanted, 0 upward; a channel that the graph does not deliver is silent. REQUIRES: frames <= 512.

@@ -24,6 +24,15 @@ TEST_F(GraphCommandTest, showsWhatRunsAndHowLateItIs) {
     EXPECT_THAT(runWell("graph --set plugin.modMain.group-solo-bypass=0"), HasSubstr("plugin.modMain.modGroupSolo"));
 }
 
+TEST_F(GraphCommandTest, metersExistWhileSomebodyWatches) {
+    EXPECT_THAT(runWell("graph"), Not(HasSubstr("Meter")));
+    const std::string watched = runWell("graph --watch");
+    for (const char* const meter : {"modHal.modHalyardMeter <audio:modHalyardMeter>", "modMeterOut <audio:modMeter>",
+                                    "-> plugin.modMain.modMeterIODiff port 1  (from its input)"})
+        EXPECT_THAT(watched, HasSubstr(meter));
+    EXPECT_THAT(watched, HasSubstr("in all late by 1667 samples\n"));
+}
+
 TEST_F(GraphCommandTest, writesForGraphvizTheSameEachTime) {
     const std::string dot = runWell("graph --dot --channels 1");
     EXPECT_THAT(dot, StartsWith("digraph halyard {\n"));

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "Audio/CAudioProcessDefBase.h"
+#include "Audio/CAudioVizCollector.h"
 #include "Core/CApplication.h"
 #include "Core/CError.h"
 #include "Documents/ProductTags.h"
@@ -45,9 +46,10 @@ CToolInstance::CToolInstance() {
     succeed(root->createChild(plugin, "plugin", "plugin", kTemplateRequired));
     succeed(root->findObjectChecked(m_collector, "plugin.param-collector"));
     succeed(root->findObjectChecked(m_hostParams, "plugin.ext-param-list"));
+    succeed(root->findObjectChecked(m_viz, "plugin.viz-collector"));
     succeed(root->findObjectChecked(main, "shared::audio.modMain"));
     succeed(root->findObjectChecked(output, "shared::audio.modOutput"));
-    m_graph = std::make_unique<CAudioGraph>(m_collector->env(), *m_collector, nullptr);
+    m_graph = std::make_unique<CAudioGraph>(m_collector->env(), *m_collector, m_viz);
     succeed(m_graph->start(*main, "plugin.modMain", *output, "plugin.modOutput"));
     m_collector->start();
     m_collector->env().setActive(true);
@@ -56,6 +58,8 @@ CToolInstance::CToolInstance() {
 CToolInstance::~CToolInstance() = default;
 
 void CToolInstance::set(CStringView name, double value) { m_collector->getParam(name).setFloat(value, 0, this); }
+
+void CToolInstance::watch(CStringView path) { m_viz->addListener(m_viz->getSlot(path)); }
 
 void CToolInstance::setLayout(int channelCount, double sampleRate, int groupSize) {
     m_channelCount = channelCount;

@@ -27,6 +27,8 @@ public:
     void setLayout(int channelCount, double sampleRate, int groupSize = kAudioChannelLimit);
     // A value of channel group 0 by its full name, in the module's own terms.
     void set(CStringView name, double value);
+    // Has somebody watch the process of that path, so that it measures.
+    void watch(CStringView path);
     // Ends all fades, and is silent then.
     void settle();
     void reset() { m_graph->reset(); }
@@ -47,6 +49,7 @@ private:
     const CProcessInstance m_processInstance;
     std::unique_ptr<CObject, CRelease> m_root;
     CAudioParamCollector* m_collector = nullptr;
+    CAudioVizCollector* m_viz = nullptr;
     CAudioExtParamList* m_hostParams = nullptr;
     std::unique_ptr<CAudioGraph> m_graph;
     int m_channelCount = 0;

@@ -159,6 +159,7 @@ Examples:
 void addGraph(CLI::App& app, GraphRequest& request) {
     CLI::App& command = *app.add_subcommand("graph", "Print the processes that run in an instance");
     command.add_option("--channels", request.channels, "Channels, 1 to 16 (2)")->check(wholeBetween(1, 16, ""));
+    command.add_flag("--watch", request.isWatched, "As if a window showed all meters");
     command.add_flag("--dot", request.isDot, "For Graphviz");
     command.add_option("--set", request.settings, "A value to set before, as plugin.modMain.bypass-enable=1")
         ->type_name("NAME=NUMBER");

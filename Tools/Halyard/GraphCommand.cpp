@@ -104,6 +104,10 @@ int runGraph(const GraphRequest& request) {
     CToolInstance instance;
     instance.setLayout(request.channels, request.sampleRate);
     for (const std::string& setting : request.settings) apply(instance, setting);
+    if (request.isWatched)
+        for (const char* const meter :
+             {"plugin.modMain.modHal.modHalyardMeter", "plugin.modMain.modMeterIODiff", "plugin.modMain.modMeterOut"})
+            instance.watch(meter);
     instance.settle();
     if (request.isDot) {
         std::printf("digraph halyard {\n  rankdir=LR;\n  node [shape=box, fontname=\"sans-serif\"];\n");

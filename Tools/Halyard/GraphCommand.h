@@ -10,6 +10,7 @@ namespace brt {
 struct GraphRequest {
     int channels = 2;
     double sampleRate = 48000.0;
+    bool isWatched = false;             // somebody looks at all meters
     bool isDot = false;                 // for Graphviz instead of for people
     std::vector<std::string> settings;  // "full.name=value", made before the graph is printed
 };
