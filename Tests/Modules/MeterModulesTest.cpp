@@ -72,6 +72,13 @@ protected:
         putMeter(writer, "fixed", {{"bypass-state-id", "-1"}, {"fps", "6"}});
         putMeter(writer, "unreadable", {{"bypass-state-id", "-1"}, {"fps", "many"}});
         putMeter(writer, "diff", {{"bypass-state-id", "-1"}, {"is-diff", "true"}});
+        begin(writer, "audio:process-def", "chain", {{"bypass-state-id", "-1"}, {"is-auto-links", "true"}});
+        put(writer, "audio:modGain", "gain", {{"bypass-state-id", "-1"}});
+        putMeter(writer, "meter", {{"bypass-state-id", "0"}, {"is-outoforder", "true"}});
+        put(writer, "audio:process-link", "link", {{"src", "gain"}, {"dst", "meter"}, {"state-id", "-1"}});
+        put(writer, "audio:process-bypass-state", "state",
+            {{"id", "0"}, {"param", "meter-enable"}, {"value", "1.0"}, {"is-inverted", "true"}});
+        writer.endElement();
         begin(writer, "audio:modHalyardMeter", "reduction", {{"bypass-state-id", "-1"}});
         putParam(writer, 0, "release", "shared::audio.time", "500");
         putParam(writer, 1, "hardness", "shared::audio.percent", "100");
@@ -230,6 +237,24 @@ TEST_F(MeterModulesTest, gainReductionFollowsHardnessAtOnce) {
     set("release", 0.0);
     play(1104, 512, two);
     EXPECT_NEAR(collect().meter("p", 0).level, 0.4819, 1e-3);
+}
+
+TEST_F(MeterModulesTest, aMeterIsInTheGraphWhileSomebodyListens) {
+    make("chain");
+    VizSlot& slot = viz().getSlot("p.meter");
+    play(4096, 512, tone);
+    EXPECT_EQ(collect().count("p.meter"), 0);
+    for (int round = 0; round < 3; ++round) {
+        viz().addListener(slot);
+        play(5 * 512, 512, tone);
+        EXPECT_GE(collect().count("p.meter"), 1) << round;
+        const int held = m_pool->heldCount();
+        viz().removeListener(slot);
+        play(3 * 512, 512, tone);
+        EXPECT_EQ(collect().count("p.meter"), 0) << round;
+        EXPECT_LT(m_pool->heldCount(), held) << "the process has gone, and its memory is back";
+    }
+    m_process->detach();
 }
 
 }  // namespace
