@@ -63,7 +63,9 @@ void CAudioExtParam::refresh() {
     const CAudioParamInfo* const info = m_param->info();
     if (info == nullptr || info->converter() == nullptr) return;
     const double value = m_param->control().value(m_group, m_element, 0.0);
-    const double normal = info->converter()->internalToNormal(*info, 0, value);
+    // A value outside the range, which nobody clamps on its way, has no place on a host's scale.
+    const double mapped = info->converter()->internalToNormal(*info, 0, value);
+    const double normal = std::isnan(mapped) ? 0.0 : std::clamp(mapped, 0.0, 1.0);
     m_normal.store(normal, std::memory_order_release);
     CAudioExtParamHostBridge* const bridge = m_bridge.load(std::memory_order_acquire);
     if (bridge != nullptr)
