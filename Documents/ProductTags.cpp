@@ -4,6 +4,7 @@
 #include "Audio/AudioTags.h"
 #include "Core/CoreTags.h"
 #include "Modules/ModuleTags.h"
+#include "Other/OtherTags.h"
 
 namespace brt {
 
@@ -12,6 +13,7 @@ std::span<const std::span<const CCreatorRow>> productTags() noexcept {
         coreTags(),
         audioTags(),
         moduleTags(),
+        otherTags(),
     };
     return kTables;
 }

@@ -4,6 +4,7 @@
 #include "Audio/CAudioCCTable.h"
 #include "Audio/CAudioExtParam.h"
 #include "Audio/CAudioExtParamList.h"
+#include "Audio/CAudioInterfaceBase.h"
 #include "Audio/CAudioParamAllocDef.h"
 #include "Audio/CAudioParamCollector.h"
 #include "Audio/CAudioParamDef.h"
@@ -37,6 +38,7 @@ std::span<const CCreatorRow> audioTags() noexcept {
         creatorRow<CAudioParamConverterTime>("audio:cvt-time"),
         creatorRow<CAudioExtParam>("audio:ext-param"),
         creatorRow<CAudioExtParamList>("audio:ext-param-list"),
+        creatorRow<CAudioInterfaceBase>("audio:interface-base"),
         creatorRow<CAudioParamDef>("audio:param"),
         creatorRow<CAudioParamAllocDef>("audio:param-alloc"),
         creatorRow<CAudioParamCollector>("audio:param-collector"),

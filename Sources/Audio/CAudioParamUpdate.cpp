@@ -42,8 +42,8 @@ CError* CAudioParamUpdateCopy::save(COutputStream& stream) const {
     return m_update.format.isFloat() ? nullptr : m_data.save(stream);
 }
 
-CError* CAudioParamUpdateCopy::load(CInputStream& stream) {
-    CError* const error = loadFrom(stream);
+CError* CAudioParamUpdateCopy::load(CInputStream& stream, EUpdateScope scope) {
+    CError* const error = loadFrom(stream, scope);
     if (error) {
         m_update = {};
         m_values.clear();
@@ -55,7 +55,7 @@ CError* CAudioParamUpdateCopy::load(CInputStream& stream) {
     return nullptr;
 }
 
-CError* CAudioParamUpdateCopy::loadFrom(CInputStream& stream) {
+CError* CAudioParamUpdateCopy::loadFrom(CInputStream& stream, EUpdateScope scope) {
     const auto damaged = [](CStringView what, std::int64_t number) {
         return makeError(nullptr, __FILE__, __LINE__, "",
                          "@brtstr_CAudioParamUpdate_load_Damaged A parameter change can't be used: its %1 is %2.", what,
@@ -73,7 +73,9 @@ CError* CAudioParamUpdateCopy::loadFrom(CInputStream& stream) {
     BRT_TRY("", readBool(stream, m_update.format.isSingleGroup));
     BRT_TRY("", readBool(stream, m_update.format.isSingleElement));
     m_update.format.dataType = static_cast<EAudioDataType>(dataType);
-    if (m_update.group < 0 || m_update.group >= kAudioGroupLimit) return damaged("group", m_update.group);
+    const bool isWhole = scope == EUpdateScope::kGroupOrWhole && m_update.group == kWholeParam;
+    if (!isWhole && (m_update.group < 0 || m_update.group >= kAudioGroupLimit))
+        return damaged("group", m_update.group);
     if (dataType < 0 || dataType > static_cast<std::int32_t>(EAudioDataType::kRaw))
         return damaged("data type", dataType);
     const int sizeLimit = m_update.format.isFloat() ? kAudioElementSizeLimit : 1;

@@ -25,6 +25,9 @@ struct CAudioParamUpdate {
     int valueCount() const noexcept { return elementCount * format.elementSize; }
 };
 
+// What a stored change may be about: windows change groups, and are told of whole parameters too.
+enum class EUpdateScope : bool { kGroup, kGroupOrWhole };
+
 // A change that owns its values and items.
 class CAudioParamUpdateCopy : public CBrtMemAllocator {
 public:
@@ -42,12 +45,12 @@ public:
 
     // The form in which windows send changes.
     [[nodiscard]] CError* save(COutputStream& stream) const;
-    // Refuses whole-parameter changes, groups and elements beyond the limits, counts that the stream can't hold, values
+    // Refuses what is beyond the scope, groups and elements beyond the limits, counts that the stream can't hold, values
     // that are not finite, and items that are missing. On failure it is an empty change.
-    [[nodiscard]] CError* load(CInputStream& stream);
+    [[nodiscard]] CError* load(CInputStream& stream, EUpdateScope scope = EUpdateScope::kGroup);
 
 private:
-    CError* loadFrom(CInputStream& stream);
+    CError* loadFrom(CInputStream& stream, EUpdateScope scope);
 
     CAudioParamUpdate m_update;
     CSmallArray<double> m_values;

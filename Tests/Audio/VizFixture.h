@@ -103,7 +103,6 @@ protected:
         return result;
     }
 
-private:
     template <class T>
     T* make(const char* tag, const char* name, Attributes attributes) {
         CAttrMap map;
@@ -113,6 +112,7 @@ private:
         return made;
     }
 
+private:
     static CError* read(CInputStream& stream, Collected& result) {
         BRT_TRY("", readF64(stream, result.position));
         for (;;) {
