@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <type_traits>
+#include <utility>
 
 #include "Core/CBrtMemAllocator.h"
 #include "Core/CTreeNode.h"
@@ -121,6 +122,12 @@ public:
         const iterator behind(CTreeLinks::next(place.m_node));
         eraseNode(place.m_node);
         return behind;
+    }
+
+    // Entries stay where they are.
+    void swap(COrderedTree& other) noexcept {
+        std::swap(m_links, other.m_links);
+        std::swap(m_count, other.m_count);
     }
 
     void clear() noexcept {
