@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "Audio/CAudioEnv.h"
 #include "Audio/CAudioProcessDefBase.h"
 #include "Audio/CAudioVizCollector.h"
 #include "Core/CError.h"
@@ -35,16 +36,22 @@ CError* CAudioGraph::start(const CAudioProcessDefBase& main, CStringView mainPat
 
 void CAudioGraph::setInput(std::span<const CAudioChannel> channels, double sampleRate) {
     m_input->setTable(channels, sampleRate);
+    m_sampleRate = sampleRate;
 }
 
-void CAudioGraph::applyUpdates() {
+// In the order that CAudioEnv.h tells; the stream stands where the block before has left it.
+void CAudioGraph::beginBlock(int frames) {
+    CAudioEnv& env = m_context.env;
+    env.beginBlock(env.streamSeconds() + frames / m_sampleRate);
+    CAudioVizCollector* const viz = m_context.viz;
+    VizSlot* const listened = viz != nullptr ? viz->takePending() : nullptr;
     m_context.collector.takeUpdates(m_updates);
+    if (viz != nullptr) viz->applyPending(listened);
     m_context.collector.applyUpdates(m_updates);
-    if (m_context.viz != nullptr) m_context.viz->applyPending(m_context.viz->takePending());
 }
 
 void CAudioGraph::process(const double* const* inputs, double* const* outputs, int outputCount, int frames) {
-    applyUpdates();
+    beginBlock(frames);
     m_input->beginDelivery(frames);
     int place = 0;
     for (const CAudioChannel& channel : m_input->channels()) {
@@ -64,6 +71,7 @@ void CAudioGraph::process(const double* const* inputs, double* const* outputs, i
             std::copy_n(channel.buffer.samples(), frames, outputs[channel.number]);
     }
     end.end();
+    m_context.env.setStreamSeconds(m_context.env.blockEndSeconds());
 }
 
 void CAudioGraph::reset() {

@@ -35,10 +35,9 @@ public:
     // [audio] The channels that come in, by number, with their groups.
     void setInput(std::span<const CAudioChannel> channels, double sampleRate);
 
-    // [audio] Lets the changes in that wait, and counts those who watch meters.
-    void applyUpdates();
-    // [audio] One block: `inputs` one pointer for each channel of the layout, `outputs` one for each channel number
-    // that is wanted, 0 upward; a channel that the graph does not deliver is silent. REQUIRES: frames <= 512.
+    // [audio] One block, with the changes that wait; the environment's stream goes on by it. `inputs` one pointer for
+    // each channel of the layout, `outputs` one for each channel number that is wanted, 0 upward; a channel that the
+    // graph does not deliver is silent. REQUIRES: frames <= 512.
     void process(const double* const* inputs, double* const* outputs, int outputCount, int frames);
     // [audio] To silence.
     void reset();
@@ -49,6 +48,8 @@ public:
     CHalyardCoreStock& cores() noexcept { return m_cores; }
 
 private:
+    void beginBlock(int frames);
+
     CAudioBufferPool m_pool;
     CHalyardCoreStock m_cores;
     CAudioProcessContext m_context;
@@ -56,6 +57,7 @@ private:
     std::unique_ptr<CAudioProcessBase> m_main;
     std::unique_ptr<CAudioProcessBase> m_output;
     CAudioLink* m_input = nullptr;  // the main process's
+    double m_sampleRate = 44100.0;  // of the input
 };
 
 }  // namespace brt

@@ -2,12 +2,20 @@
 #include "Audio/CAudioEnv.h"
 
 #include "Core/CClassInfo.h"
+#include "Core/CError.h"
 
 #include <algorithm>
 
 namespace brt {
 
 void CAudioEnv::describeClass(CClassInfo& info) { CObject::describeClass(info); }
+
+CError* CAudioEnv::init() {
+    BRT_TRY(getFullName(), CObject::init());
+    const CObject* const project = findObject("shared::project");
+    if (project != nullptr) setDefaultFrameRate(project->getAttrDouble("default-fps"));
+    return nullptr;
+}
 
 void CAudioEnv::setActive(bool isActive) noexcept {
     const CSwapLock lock(m_section);

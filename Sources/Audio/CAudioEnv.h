@@ -1,6 +1,15 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 // What an instance's audio side and everybody else share: the lock under which the audio thread takes and hands back
 // lists, and the few numbers that go with it.
+//
+// Whoever runs blocks tells first where in the stream he is, and exchanges the lists that wait before he applies any:
+//
+//     env.setStreamSeconds(start);  env.beginBlock(end);
+//     slots = viz.takePending();    collector.takeUpdates(updates);
+//     viz.applyPending(slots);      collector.applyUpdates(updates);
+//     ... the graph ...
+//
+// So a meter that `applyPending` switches on is in the graph from the block after on.
 // Owner: the instance's tree. Threads: any; numbers change under the lock only.
 #pragma once
 
@@ -18,6 +27,8 @@ public:
     static constexpr double kHighestSampleRate = 1536000.0;
 
     static void describeClass(CClassInfo& info);
+    // Displays have the project's "default-fps" as long as nobody asks for another.
+    [[nodiscard]] CError* init() override;
 
     // Under it nothing is allocated, freed, searched or told: see CSwapLock.
     CPriorityLock& section() const noexcept BRT_RETURN_CAPABILITY(m_section) { return m_section; }
@@ -37,7 +48,7 @@ public:
     void setLatency(int samples) noexcept { m_latencySamples.store(samples, std::memory_order_relaxed); }
 
     // The stream, in seconds since the instance began.
-    // [audio] Where the chunk at hand begins.
+    // [audio] Where the block at hand begins.
     double streamSeconds() const noexcept { return m_streamSeconds.load(std::memory_order_relaxed); }
     void setStreamSeconds(double seconds) noexcept { m_streamSeconds.store(seconds, std::memory_order_relaxed); }
     // [any] Up to where the audio thread has got, or is about to.

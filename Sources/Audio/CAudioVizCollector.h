@@ -5,7 +5,7 @@
 // time. Listeners are counted on the audio thread, at the beginning of a block. The first one of a slot sets the
 // parameter "<path>-enable" to 1 and the last one to 0, which is how a process that nobody looks at leaves the graph.
 //
-//     audio thread:   first = takePending(); applyPending(first);  ...  post(slot, record);
+//     audio thread:   first = takePending();  ...  applyPending(first);  ...  post(slot, record);
 //     windows:        addListener(slot);  collect(stream, fps);  removeListener(slot);
 //
 // Records lie in lists that run through themselves, so that posting moves and grows nothing. Owner: the instance's
@@ -74,7 +74,8 @@ public:
     void removeListener(VizSlot& slot);
     // [audio] The slots whose listeners have changed; null if there are none.
     VizSlot* takePending() noexcept BRT_REALTIME;
-    // [audio] Counts them, and switches processes on and off.
+    // [audio] Counts them, and switches processes on and off; CAudioEnv.h tells when. A first listener has its first
+    // record at the end of a frame that begins with the next block.
     void applyPending(VizSlot* first);
 
     // [audio] Takes the record over; without listeners it is dropped.

@@ -8,6 +8,7 @@
 #include <random>
 #include <vector>
 
+#include "Audio/CAudioVizCollector.h"
 #include "Core/CApplication.h"
 #include "Core/CError.h"
 #include "Core/CProcess.h"
@@ -30,6 +31,7 @@ protected:
         succeed(CApplication::initRootObject(m_root, ""));
         succeed(m_root->createChild(plugin, "plugin", "plugin", kTemplateRequired));
         succeed(m_root->findObjectChecked(m_collector, "plugin.param-collector"));
+        succeed(m_root->findObjectChecked(m_viz, "plugin.viz-collector"));
         m_graph = makeGraph();
         setInput({{0, 0}, {1, 0}}, 48000.0);
         m_collector->env().setActive(true);
@@ -56,7 +58,7 @@ protected:
     }
 
     std::unique_ptr<CAudioGraph> makeGraph() {
-        auto graph = std::make_unique<CAudioGraph>(m_collector->env(), *m_collector, nullptr);
+        auto graph = std::make_unique<CAudioGraph>(m_collector->env(), *m_collector, m_viz);
         CAudioProcessDefBase* main = nullptr;
         CAudioProcessDefBase* output = nullptr;
         succeed(m_root->findObjectChecked(main, "shared::audio.modMain"));
@@ -129,6 +131,7 @@ protected:
 
     CObject* m_root = nullptr;
     CAudioParamCollector* m_collector = nullptr;
+    CAudioVizCollector* m_viz = nullptr;
     std::unique_ptr<CAudioGraph> m_graph;
     int m_channelCount = 2;
 

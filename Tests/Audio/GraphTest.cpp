@@ -2,12 +2,6 @@
 // The product's chain as a whole: latency, bypass, groups, solo, changes of layout.
 #include "GraphFixture.h"
 
-#include <linux/seccomp.h>
-#include <sys/prctl.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <cmath>
 
 #include "Modules/CHalyardCore.h"
@@ -171,27 +165,6 @@ TEST_F(GraphTest, channelsGroupsAndRatesComeAndGo) {
         for (const Samples& signal : out)
             for (const double sample : signal) ASSERT_TRUE(std::isfinite(sample));
     }
-}
-
-// A child that the system ends at its first system call but that of ending itself.
-TEST_F(GraphTest, aSteadyBlockAsksTheSystemForNothing) {
-    const std::vector<Samples> in = {noise(4096, 14), noise(4096, 15)};
-    std::vector<Samples> out(2, Samples(512));
-    run(in);
-    const double* const inputs[] = {in[0].data(), in[1].data()};
-    double* const outputs[] = {out[0].data(), out[1].data()};
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        if (prctl(PR_SET_SECCOMP, SECCOMP_MODE_STRICT) != 0) syscall(SYS_exit, 77);
-        for (int i = 0; i < 50; ++i) m_graph->process(inputs, outputs, 2, 512);
-        syscall(SYS_exit, 0);
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    ASSERT_TRUE(WIFEXITED(status)) << "ended by signal " << WTERMSIG(status);
-    if (WEXITSTATUS(status) == 77) GTEST_SKIP() << "this system has no way to forbid system calls";
-    EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
 TEST_F(GraphTest, aSteadyBlockAsksForNoMemory) {

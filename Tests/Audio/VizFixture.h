@@ -4,7 +4,6 @@
 #pragma once
 
 #include <initializer_list>
-#include <map>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -12,10 +11,7 @@
 #include "Audio/AudioTags.h"
 #include "Audio/CAudioParamCollector.h"
 #include "Audio/CAudioVizCollector.h"
-#include "Audio/StreamNumbers.h"
-#include "Core/CByteBuffer.h"
-#include "Core/CMemoryReader.h"
-#include "Core/CWriteSeqBuffer.h"
+#include "Audio/CollectedRecords.h"
 #include "Core/TreeFixture.h"
 
 namespace brt {
@@ -24,18 +20,7 @@ class VizFixture : public TreeFixture {
 protected:
     using Attributes = std::initializer_list<std::pair<const char*, const char*>>;
 
-    struct Collected {
-        double position = -1.0;
-        std::map<std::string, std::vector<std::unique_ptr<CAudioVizData>>> records;
-
-        int count(const char* path) const {
-            const auto found = records.find(path);
-            return found != records.end() ? static_cast<int>(found->second.size()) : 0;
-        }
-        const CAudioVizDataMeter& meter(const char* path, int index) const {
-            return static_cast<const CAudioVizDataMeter&>(*records.at(path)[static_cast<std::size_t>(index)]);
-        }
-    };
+    using Collected = CollectedRecords;
 
     void SetUp() override {
         TreeFixture::SetUp();
@@ -91,17 +76,7 @@ protected:
         params().applyUpdates(m_queue);
     }
 
-    Collected collect(double framesPerSecond = 40.0) {
-        CWriteSeqBuffer stream(1024);
-        EXPECT_EQ(messageOf(viz().collect(stream, framesPerSecond)), "");
-        CByteBuffer bytes;
-        stream.moveTo(bytes);
-        CMemoryReader reader(bytes.data(), bytes.size());
-        Collected result;
-        EXPECT_EQ(messageOf(read(reader, result)), "");
-        EXPECT_EQ(reader.getBytesLeft(), 0);
-        return result;
-    }
+    Collected collect(double framesPerSecond = 40.0) { return collectFrom(viz(), framesPerSecond); }
 
     template <class T>
     T* make(const char* tag, const char* name, Attributes attributes) {
@@ -113,23 +88,6 @@ protected:
     }
 
 private:
-    static CError* read(CInputStream& stream, Collected& result) {
-        BRT_TRY("", readF64(stream, result.position));
-        for (;;) {
-            std::uint32_t count = 0;
-            BRT_TRY("", readU32(stream, count));
-            if (count == 0) return nullptr;
-            CString path;
-            BRT_TRY("", stream.readString(path));
-            auto& records = result.records[text(path)];
-            for (; count > 0; --count) {
-                std::unique_ptr<CAudioVizData> record;
-                BRT_TRY("", CAudioVizData::loadTagged(record, stream));
-                if (record != nullptr) records.push_back(std::move(record));
-            }
-        }
-    }
-
     CAudioParamCollector* m_params = nullptr;
     CAudioVizCollector* m_viz = nullptr;
     CAudioParamQueue m_queue;
