@@ -112,7 +112,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     while (size >= 3) {
         const CStringView name = fuzz::kNames[data[0] % std::size(fuzz::kNames)];
-        const std::size_t length = std::min<std::size_t>(data[1] | data[2] << 8, size - 3);
+        const std::size_t length = std::min<std::size_t>(data[1] + 256U * data[2], size - 3);
         fuzz::send(*connector, name, data + 3, static_cast<int>(length));
         data += 3 + length;
         size -= 3 + length;
