@@ -9,6 +9,7 @@
 #include "Audio/CAudioParamCollector.h"
 #include "Audio/CAudioParamDef.h"
 #include "Audio/CAudioParamFilterDef.h"
+#include "Audio/CAudioParamRegistry.h"
 #include "Audio/CAudioParamRemapDef.h"
 #include "Audio/CAudioParamSharedStorage.h"
 #include "Audio/CAudioProcessBypassStateDef.h"
@@ -43,6 +44,7 @@ std::span<const CCreatorRow> audioTags() noexcept {
         creatorRow<CAudioParamAllocDef>("audio:param-alloc"),
         creatorRow<CAudioParamCollector>("audio:param-collector"),
         creatorRow<CAudioParamFilterBypassGroupSoloDef>("audio:param-filter-bypass-group-solo"),
+        creatorRow<CAudioParamRegistry>("audio:param-registry"),
         creatorRow<CAudioParamRemapDef>("audio:param-remap"),
         creatorRow<CAudioParamSharedStorage>("audio:param-shared-storage"),
         creatorRow<CAudioProcessBypassStateDef>("audio:process-bypass-state"),

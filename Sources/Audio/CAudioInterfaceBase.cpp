@@ -88,6 +88,16 @@ void CAudioInterfaceBase::setDataProvider(CAudioInterfaceDataProvider* provider)
     m_provider.store(provider, std::memory_order_release);
 }
 
+bool CAudioInterfaceBase::beginEdit(CAudioParam& param, int element, int group) {
+    CAudioInterfaceDataProvider* const host = provider();
+    return host != nullptr && host->beginEdit(param, element, group);
+}
+
+void CAudioInterfaceBase::endEdit(CAudioParam& param, int element, int group) {
+    CAudioInterfaceDataProvider* const host = provider();
+    if (host != nullptr) host->endEdit(param, element, group);
+}
+
 CError* CAudioInterfaceBase::onImportChannelLabels() {
     CAudioInterfaceDataProvider* const host = provider();
     if (host != nullptr) host->importChannelLabels();

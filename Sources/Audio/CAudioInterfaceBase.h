@@ -38,6 +38,9 @@ public:
     void sendExportSlotNames(int clientId = kAllClients);
 
 private:
+    bool beginEdit(CAudioParam& param, int element, int group) override;
+    void endEdit(CAudioParam& param, int element, int group) override;
+
     struct CVizListener;
     class CExportSlotNameListener;
 

@@ -98,6 +98,7 @@ void CAudioParam::update(const CAudioParamUpdate& requested, const CAudioParamCh
     const CAudioParamInfo* const ownInfo = info();
     CAudioParamUpdate change = requested;
     if (ownInfo == nullptr || !admit(change, *ownInfo)) return;
+    if (change.source == nullptr) change.source = context.source;
     if (change.group != kWholeParam && change.firstElement > m_control.elementCount(change.group))
         return updateWidened(change, context);
 
@@ -160,6 +161,21 @@ void CAudioParam::runFilters(const CAudioParamUpdate& update, const CAudioParamC
 void CAudioParam::removeFilter(CAudioParamFilter& filter) {
     const int index = m_filters.find(&filter);
     if (index >= 0) m_filters.removeAt(index);
+}
+
+void CAudioParam::addRegistry(CAudioParamRegistryBase& registry) {
+    const CRankedLock lock(m_section);
+    if (m_registries.find(&registry) < 0) m_registries.append(&registry);
+}
+
+void CAudioParam::removeRegistry(CAudioParamRegistryBase& registry) {
+    const CRankedLock lock(m_section);
+    const int index = m_registries.find(&registry);
+    if (index >= 0) m_registries.removeAt(index);
+}
+
+void CAudioParam::tellRegistries(int group, const CAudioParamChangeContext& context) {
+    for (CAudioParamRegistryBase* const registry : m_registries) registry->onUserChange(*this, group, context);
 }
 
 void CAudioParam::listDependents(CSmallArray<CAudioParam*>& params) const {

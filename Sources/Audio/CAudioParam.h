@@ -47,7 +47,8 @@ struct CAudioParamChangeContext {
     // Collects what goes to the audio side; the caller hands it over (`CAudioParamCollector::handOver`), and holds the
     // locks of all parameters in it until then.
     CAudioParamQueue* batch = nullptr;
-    bool isDirect = false;  // [audio] the writer is the audio thread: no queue
+    bool isDirect = false;         // [audio] the writer is the audio thread: no queue
+    const void* source = nullptr;  // who makes the changes that name no source themselves
 };
 
 // What listeners on the collector's notifier get, under the parameter's lock; the key is the parameter.
@@ -129,6 +130,12 @@ public:
     // Attaches a definition, which outlives the parameter, and takes its defaults. An equal one changes nothing.
     void setInfo(const CAudioParamInfo& info, const CAudioParamChangeContext& context);
 
+    // Registries whose presets a user's change of this parameter makes the user's own.
+    void addRegistry(CAudioParamRegistryBase& registry);
+    void removeRegistry(CAudioParamRegistryBase& registry);
+    // Tells them. REQUIRES: the parameter's lock.
+    void tellRegistries(int group, const CAudioParamChangeContext& context);
+
     // Filters that run when this parameter changes. REQUIRES: the parameter's lock.
     void addFilter(CAudioParamFilter& filter) { m_filters.append(&filter); }
     void removeFilter(CAudioParamFilter& filter);
@@ -180,11 +187,12 @@ private:
     std::atomic<const CAudioParamInfo*> m_info{nullptr};
     CAudioParamStorage m_control;
     CAudioParamStorage m_defaults;
-    CSmallArray<CAudioParamFilter*> m_filters;      // not owned
-    CAudioParamRegistryBase* m_registry = nullptr;  // follows this parameter; not owned
-    CSmallArray<CWaiting> m_waiting;                // by group; under the parameter's lock
-    CAudioParamStorage m_audio;                     // the audio thread's
-    CAudioParamUser* m_firstUser = nullptr;         // changed on the audio thread, or while it stands still
+    CSmallArray<CAudioParamFilter*> m_filters;           // not owned
+    CAudioParamRegistryBase* m_registry = nullptr;       // follows this parameter; not owned
+    CSmallArray<CAudioParamRegistryBase*> m_registries;  // not owned; under the parameter's lock
+    CSmallArray<CWaiting> m_waiting;                     // by group; under the parameter's lock
+    CAudioParamStorage m_audio;                          // the audio thread's
+    CAudioParamUser* m_firstUser = nullptr;              // changed on the audio thread, or while it stands still
 };
 
 // Locks several parameters, in their order, for the life of a scope; also those that their filters write, since a batch

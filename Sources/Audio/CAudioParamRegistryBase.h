@@ -24,6 +24,8 @@ public:
     virtual bool offerParam(CStringView fullName, CAudioParam& param) = 0;
     // All parameters that exist at the start have been offered.
     virtual void finish() = 0;
+    // A user has changed a parameter that this registry has entered itself in. Under that parameter's lock.
+    virtual void onUserChange(CAudioParam& param, int group, const CAudioParamChangeContext& context) = 0;
     // The parameter whose definition names this registry has changed. Under that parameter's lock.
     virtual void followParam(CAudioParam& param, const CAudioParamUpdate& update,
                              const CAudioParamChangeContext& context) = 0;

@@ -74,8 +74,7 @@ CError* CAudioParamUpdateCopy::loadFrom(CInputStream& stream, EUpdateScope scope
     BRT_TRY("", readBool(stream, m_update.format.isSingleElement));
     m_update.format.dataType = static_cast<EAudioDataType>(dataType);
     const bool isWhole = scope == EUpdateScope::kGroupOrWhole && m_update.group == kWholeParam;
-    if (!isWhole && (m_update.group < 0 || m_update.group >= kAudioGroupLimit))
-        return damaged("group", m_update.group);
+    if (!isWhole && (m_update.group < 0 || m_update.group >= kAudioGroupLimit)) return damaged("group", m_update.group);
     if (dataType < 0 || dataType > static_cast<std::int32_t>(EAudioDataType::kRaw))
         return damaged("data type", dataType);
     const int sizeLimit = m_update.format.isFloat() ? kAudioElementSizeLimit : 1;

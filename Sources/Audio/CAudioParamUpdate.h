@@ -45,8 +45,8 @@ public:
 
     // The form in which windows send changes.
     [[nodiscard]] CError* save(COutputStream& stream) const;
-    // Refuses what is beyond the scope, groups and elements beyond the limits, counts that the stream can't hold, values
-    // that are not finite, and items that are missing. On failure it is an empty change.
+    // Refuses what is beyond the scope, groups and elements beyond the limits, counts that the stream can't hold,
+    // values that are not finite, and items that are missing. On failure it is an empty change.
     [[nodiscard]] CError* load(CInputStream& stream, EUpdateScope scope = EUpdateScope::kGroup);
 
 private:

@@ -2,6 +2,8 @@
 // Messages about parameters; what clients hold.
 #include "Audio/CParamInterfaceBase.h"
 
+#include <algorithm>
+
 #include "Audio/CParamInterfaceBaseConnector.h"
 #include "Audio/CParamInterfaceBase_p.h"
 #include "Core/CClassInfo.h"
@@ -16,17 +18,33 @@ bool isPlaceOrAll(int index, int limit) { return index >= -1 && index < limit; }
 }  // namespace
 
 void CParamInterfaceBase::describeClass(CClassInfo& info) {
-    CObject::describeClass(info);
+    CAudioParamUndo::describeClass(info);
     static constexpr CAttrInfo kAttributes[] = {
-        attr::object("param-collector").required().ofClass<CAudioParamCollector>().help("owns the parameters"),
         attr::object("base-connector").required().help("carries messages; stands ahead of this object"),
     };
     using T = CParamInterfaceBase;
     static constexpr CEventInfo kEvents[] = {
+        event<&T::onCreateUndoData>(toBase::kCreateUndoData),
+        event<&T::onRemoveUndoData>(toBase::kRemoveUndoData),
+        event<&T::onSubmitUndoData>(toBase::kSubmitUndoData),
+        event<&T::onRequestUndoHistory>(toBase::kRequestUndoHistory),
+        event<&T::onSetUndoHistoryPos>(toBase::kSetUndoHistoryPos),
         event<&T::onListenParam>(toBase::kListenParam),
         event<&T::onUnlistenParam>(toBase::kUnlistenParam),
         event<&T::onChangeParam>(toBase::kChangeParam),
         event<&T::onResetParam>(toBase::kResetParam),
+        event<&T::onListenRegistry>(toBase::kListenRegistry),
+        event<&T::onUnlistenRegistry>(toBase::kUnlistenRegistry),
+        event<&T::onSetCurrentProgram>(toBase::kSetCurrentProgram),
+        event<&T::onRenamePreset>(toBase::kRenamePreset),
+        event<&T::onActivateFactoryPreset>(toBase::kActivateFactoryPreset),
+        event<&T::onActivatePreset>(toBase::kActivatePreset),
+        event<&T::onRequestPreset>(toBase::kRequestPreset),
+        event<&T::onRequestBank>(toBase::kRequestBank),
+        event<&T::onSetDefaultPreset>(toBase::kSetDefaultPreset),
+        event<&T::onActivateDefaultPreset>(toBase::kActivateDefaultPreset),
+        event<&T::onExchangeShadowPreset>(toBase::kExchangeShadowPreset),
+        event<&T::onUpdateShadowPreset>(toBase::kUpdateShadowPreset),
     };
     info.addAttributes(kAttributes);
     info.addEvents(kEvents);
@@ -36,8 +54,7 @@ CParamInterfaceBase::CParamInterfaceBase() = default;
 CParamInterfaceBase::~CParamInterfaceBase() = default;
 
 CError* CParamInterfaceBase::init() {
-    BRT_TRY(getFullName(), CObject::init());
-    BRT_TRY(getFullName(), findObjectByAttr("param-collector", m_collector));
+    BRT_TRY(getFullName(), CAudioParamUndo::init());
     BRT_TRY(getFullName(), findObjectByAttr("base-connector", m_connector));
     m_connector->setBase(this);
     return nullptr;
@@ -48,8 +65,10 @@ void CParamInterfaceBase::releaseLinks() {
     {
         const CRankedLock lock(m_messageSection);
         m_paramListeners.clear();
+        m_registryListeners.clear();
     }
-    CObject::releaseLinks();
+    dropOpenRecords(kAllClients);
+    CAudioParamUndo::releaseLinks();
 }
 
 CError* CParamInterfaceBase::handleMessage(const CByteBuffer& bytes) {
@@ -66,6 +85,8 @@ CError* CParamInterfaceBase::handleMessage(const CByteBuffer& bytes) {
 void CParamInterfaceBase::onClientGone(int clientId) {
     const CRankedLock lock(m_messageSection);
     eraseClient(m_paramListeners, clientId);
+    eraseClient(m_registryListeners, clientId);
+    dropOpenRecords(clientId);
 }
 
 bool CParamInterfaceBase::isUsable(ParamHandle handle) const {
@@ -92,12 +113,12 @@ CError* CParamInterfaceBase::onListenParam() {
     ParamHandle handle = 0;
     BRT_TRY(getFullName(), readFields(message(), name, handle));
     if (!isUsable(handle) || m_paramListeners.contains(handle)) return nullptr;
-    CAudioParam& param = m_collector->getParam(name);
+    CAudioParam& param = collector()->getParam(name);
     auto listener = std::make_unique<CParamListener>(*this, param, handle);
     {
         // No change comes between what is sent here and the first that the listener hears.
         const CRankedLock lock(param.section());
-        listener->attach(m_collector, CUpdateFilter(&param));
+        listener->attach(collector(), CUpdateFilter(&param));
         sendParam(handle, param);
     }
     m_paramListeners.findOrInsert(handle) = std::move(listener);
@@ -162,10 +183,15 @@ CError* CParamInterfaceBase::onChangeParam() {
     CAudioParam* const param = findListenedParam(handle);
     if (param == nullptr) return nullptr;
 
+    const CRankedLock undoLock(undoSection());
+    COpenRecord* const open = findOpenRecord(undoHandle);
     const CRankedLock paramLock(param->section());
     const CAudioParamUpdate& update = change.update();
     if (param->info() == nullptr || update.format != param->info()->format) return nullptr;
-    param->update(update, {});
+    if (open != nullptr) beginEdits(*open, *param, update);
+    const CAudioParamChangeContext context{.undo = open != nullptr ? open->record.get() : nullptr};
+    param->tellRegistries(update.group, context);
+    param->update(update, context);
     return nullptr;
 }
 
@@ -180,9 +206,14 @@ CError* CParamInterfaceBase::onResetParam() {
     if (param == nullptr || !isPlaceOrAll(group, kAudioGroupLimit) || !isPlaceOrAll(element, kAudioElementLimit))
         return nullptr;
 
+    const CRankedLock undoLock(undoSection());
+    COpenRecord* const open = findOpenRecord(undoHandle);
     const CRankedLock paramLock(param->section());
     if (param->info() == nullptr) return nullptr;
-    param->resetToDefault(group, element, {}, useFirstDefault);
+    if (open != nullptr) beginResetEdits(*open, *param, group, element);
+    const CAudioParamChangeContext context{.undo = open != nullptr ? open->record.get() : nullptr};
+    param->tellRegistries(std::max(group, 0), context);
+    param->resetToDefault(group, element, context, useFirstDefault);
     return nullptr;
 }
 

@@ -31,7 +31,7 @@ enum class ELockRank : std::uint8_t {
     kPendingParams,    // those that wait to be covered
     kParam,            // one parameter's values; several in the order of their names
     kDependentParam,   // parameters that others write into: destinations of filters, names of presets
-    kParamRegistries,  // which registries want to know of a parameter
+    kNews,             // what a window is told of presets, in the order in which it happened
     kLeaf,             // lists and maps; under it no other lock is taken
 };
 

@@ -17,6 +17,9 @@ void CParamInterfaceClient::describeClass(CClassInfo& info) {
     static constexpr CEventInfo kEvents[] = {
         event<&CParamInterfaceClient::onUpdateParamInfo>(toClient::kUpdateParamInfo),
         event<&CParamInterfaceClient::onUpdateParam>(toClient::kUpdateParam),
+        event<&CParamInterfaceClient::onUpdateUndoHistory>(toClient::kUpdateUndoHistory),
+        event<&CParamInterfaceClient::onUpdateRegistry>(toClient::kUpdateRegistry),
+        event<&CParamInterfaceClient::onRegistryData>(toClient::kRegistryData),
     };
     info.addAttributes(kAttributes);
     info.addEvents(kEvents);
@@ -27,12 +30,17 @@ CError* CParamInterfaceClient::init() {
     BRT_TRY(getFullName(), findObjectByAttr("client-connector", m_connector));
     m_connector->setClient(this);
     m_clientId = m_connector->clientId();
+    send(toBase::kRequestUndoHistory, m_clientId);
     return nullptr;
 }
 
 void CParamInterfaceClient::releaseLinks() {
     for (const auto& [handle, listener] : m_paramListeners) send(toBase::kUnlistenParam, handle);
     m_paramListeners.clear();
+    for (const auto& [handle, listener] : m_registryListeners) send(toBase::kUnlistenRegistry, handle);
+    m_registryListeners.clear();
+    for (const ParamHandle handle : m_openUndoData) send(toBase::kRemoveUndoData, handle);
+    m_openUndoData.clear();
     if (m_connector != nullptr) m_connector->setClient(nullptr);
     m_connector = nullptr;
     CObject::releaseLinks();

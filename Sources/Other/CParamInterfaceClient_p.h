@@ -13,10 +13,10 @@ void CParamInterfaceClient::send(CStringView name, const Fields&... fields) {
     send(message);
 }
 
-template <class Value>
-ParamHandle CParamInterfaceClient::newHandle(int& lastNumber, const COrderedMap<ParamHandle, Value>& listeners) const {
-    const int number = nextFreeNumber(
-        lastNumber, [&](int candidate) { return listeners.contains(makeHandle(m_clientId, candidate)); });
+template <class Handles>
+ParamHandle CParamInterfaceClient::newHandle(int& lastNumber, const Handles& used) const {
+    const int number =
+        nextFreeNumber(lastNumber, [&](int candidate) { return used.contains(makeHandle(m_clientId, candidate)); });
     return number != 0 ? makeHandle(m_clientId, number) : 0;
 }
 

@@ -8,7 +8,9 @@
 
 #include "Audio/CAudioParamInfo.h"
 #include "Audio/CAudioParamUpdate.h"
+#include "Audio/CAudioPresetBank.h"
 #include "Core/CInputStream.h"
+#include "Core/CStringList.h"
 
 namespace brt {
 
@@ -19,6 +21,23 @@ public:
     // What has changed, by anybody; valid during the call. The first one behind a definition brings the defaults, as
     // group kWholeParam, and is followed by one for each group that has values.
     virtual void onParamUpdate(const CAudioParamUpdate& update) = 0;
+};
+
+class CParamInterfaceRegistryListener : public CCheckedObject {
+public:
+    // The full names of the presets of the session, or of those that came with the product, and the index of the
+    // current program; -1 and no names from a registry that has no programs.
+    virtual void onRegistryUpdate(bool isFactory, const CString& registryId, const CStringList& names, int current) {
+        static_cast<void>(isFactory), static_cast<void>(registryId), static_cast<void>(names);
+        static_cast<void>(current);
+    }
+    // What was asked for under that cookie; the listener's from now on.
+    virtual void onPresetData(int cookie, std::unique_ptr<CAudioPreset> preset) {
+        static_cast<void>(cookie), static_cast<void>(preset);
+    }
+    virtual void onBankData(int cookie, std::unique_ptr<CAudioPresetBank> bank) {
+        static_cast<void>(cookie), static_cast<void>(bank);
+    }
 };
 
 // Takes what displays show. The streams are those of CAudioVizCollector, up to their ends.
