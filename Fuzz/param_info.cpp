@@ -69,7 +69,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CMemoryReader second(written.data(), static_cast<int>(written.size()));
     fuzz::require(!discardError(again.load(second, owner)), "what was saved can be loaded");
     fuzz::require(fuzz::saved(again) == written, "a stored definition is stable");
-    fuzz::require(again.isSameAs(info), "both are the same");
+    // Damaged text can decode to half of a surrogate pair, which is dropped when it is written.
+    const bool isNameWhole = CString::fromUtf8(info.name.toUtf8()) == info.name;
+    fuzz::require(again.isSameAs(info) == isNameWhole, "both are the same");
     for (int sub = 0; sub < info.format.elementSize; ++sub)
         for (const double value : {info.minimum(sub), info.maximum(sub), 0.5, -1e300,
                                    std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()})

@@ -80,7 +80,7 @@ MeterReading CLevelMeterCore::read(double gain, double peakGain) const noexcept 
     const MeterValues& v = m_values;
     switch (m_settings.routine) {
     case EMeterRoutine::kLoudness: {
-        // Brings the reading of a sine at 997 Hz in line with the plain level.
+        // Brings the reading of a sine at 1 kHz in line with the plain level.
         constexpr double kScale = 0.927414538975768;
         return {std::sqrt(std::abs(m_window.sum / m_window.length)) * kScale * gain,
                 std::max(v.blockPeak, m_peak.held()) * gain * peakGain};

@@ -9,8 +9,9 @@ namespace brt::BRT_BUILD {
 namespace {
 
 BRT_LANE_OP double squareOf(double x) { return minOf(x * x, kLargestSquare); }
+// value + (target - value) * coefficient, in the form in which one sample waits least for the one before.
 BRT_LANE_OP double smoothed(double value, double target, double coefficient) {
-    return mulAdd(target - value, coefficient, value);
+    return mulAdd(value, 1.0 - coefficient, target * coefficient);
 }
 // At once to one side, smoothed to the other. Upwards that is the larger of the target and the smoothed value, which
 // lies between the old one and the target. Downwards its rounding error would show beside a small target.

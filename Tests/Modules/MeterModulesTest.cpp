@@ -72,6 +72,8 @@ protected:
         putMeter(writer, "fixed", {{"bypass-state-id", "-1"}, {"fps", "6"}});
         putMeter(writer, "unreadable", {{"bypass-state-id", "-1"}, {"fps", "many"}});
         putMeter(writer, "diff", {{"bypass-state-id", "-1"}, {"is-diff", "true"}});
+        putMeter(writer, "inverted", {{"bypass-state-id", "-1"}, {"is-inverted", "true"}});
+        putMeter(writer, "factors", {{"bypass-state-id", "-1"}, {"is-compression", "true"}});
         begin(writer, "audio:process-def", "chain", {{"bypass-state-id", "-1"}, {"is-auto-links", "true"}});
         put(writer, "audio:modGain", "gain", {{"bypass-state-id", "-1"}});
         putMeter(writer, "meter", {{"bypass-state-id", "0"}, {"is-outoforder", "true"}});
@@ -215,6 +217,22 @@ TEST_F(MeterModulesTest, theDifferenceIsToTheSameChannelOfPort1) {
     make("diff", 1);
     play(2208, 512, tone);
     EXPECT_EQ(collect().meter("p", 1).level, 1.0);
+}
+
+TEST_F(MeterModulesTest, attributesChooseWhatIsShown) {
+    make("inverted");
+    play(22080, 512, two);
+    EXPECT_NEAR(collect().meter("p", 19).level, 0.5, 1e-3);
+    play(1104, 512, half);
+    EXPECT_NEAR(collect().meter("p", 0).peak, 0.5, 1e-3) << "the reciprocal of what is held";
+    m_process.reset();
+
+    make("factors");
+    play(22080, 512, half);
+    play(1104, 512, two);
+    const Collected records = collect();
+    EXPECT_NEAR(records.meter("p", 19).level, 0.5, 1e-3);
+    EXPECT_NEAR(records.meter("p", 20).peak, 0.5, 1e-3) << "the smallest is held";
 }
 
 TEST_F(MeterModulesTest, loudnessComesWithItsMemory) {

@@ -172,12 +172,13 @@ TEST_P(MeterTest, loudnessIsTheMeanOfTheWindow) {
     constexpr double kRate = 48000.0;
     const MeterSettings settings = {
         .routine = EMeterRoutine::kLoudness, .sampleRate = kRate, .peakSeconds = 0.1, .rmsSeconds = 0.1};
-    // At 997 Hz the reading is that of the plain level; the shelf adds 4 dB above, the high-pass takes the low end.
-    const std::pair<double, double> gains[] = {{997.0, 0.0}, {10000.0, 3.35}, {20.0, -14.0}};
+    // Close to the plain level in the middle; the shelf adds 4 dB above, the high-pass takes the low end. The window
+    // holds whole periods.
+    const std::pair<double, double> gains[] = {{1000.0, 0.0}, {10000.0, 3.34394}, {20.0, -13.97317}};
     for (const auto& [hz, gainDb] : gains) {
         Meter meter(settings, GetParam());
         meter.process(sine(96000, 0.5, hz, kRate), {});
-        EXPECT_NEAR(20.0 * std::log10(meter.core.read(1.0, 1.0).level / (0.5 / std::numbers::sqrt2)), gainDb, 0.2)
+        EXPECT_NEAR(20.0 * std::log10(meter.core.read(1.0, 1.0).level / (0.5 / std::numbers::sqrt2)), gainDb, 1e-4)
             << hz;
         EXPECT_NEAR(meter.core.read(1.0, 2.0).peak, 1.0, 1e-3);
     }

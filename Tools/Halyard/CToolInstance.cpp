@@ -60,6 +60,7 @@ CToolInstance::~CToolInstance() = default;
 void CToolInstance::set(CStringView name, double value) { m_collector->getParam(name).setFloat(value, 0, this); }
 
 void CToolInstance::watch(CStringView path) { m_viz->addListener(m_viz->getSlot(path)); }
+void CToolInstance::unwatch(CStringView path) { m_viz->removeListener(m_viz->getSlot(path)); }
 
 void CToolInstance::setLayout(int channelCount, double sampleRate, int groupSize) {
     m_channelCount = channelCount;

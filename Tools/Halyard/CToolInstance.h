@@ -29,6 +29,7 @@ public:
     void set(CStringView name, double value);
     // Has somebody watch the process of that path, so that it measures.
     void watch(CStringView path);
+    void unwatch(CStringView path);
     // Ends all fades, and is silent then.
     void settle();
     void reset() { m_graph->reset(); }
