@@ -37,9 +37,9 @@ void CModBypassModule::process() {
     } else if (!m_isSilent && (*m_dry)->buffer) {
         output(0).buffer = (*m_dry)->buffer;
     } else if (!m_isSilent) {
-        output(0).buffer = pool().takeSilent(blockLength());
+        output(0).buffer = pool().takeSilentBlock(blockLength());
     } else {
-        output(0).buffer = pool().take(blockLength());
+        output(0).buffer = pool().takeBlock(blockLength());
         m_guard.fill(output(0).buffer.samples(), blockLength());
     }
 }

@@ -30,7 +30,7 @@ void CModGainModule::process() {
         output(0).buffer = std::move(in);
         return;
     }
-    CAudioBufferRef out = pool().take(blockLength());
+    CAudioBufferRef out = pool().takeBlock(blockLength());
     double* const samples = out.samples();
     if (m_isMuted) {
         m_guard.fill(samples, blockLength());

@@ -32,7 +32,7 @@ void CModHalyardModule::update() {
 }
 
 void CModHalyardModule::process() {
-    CAudioBufferRef out = pool().take(blockLength());
+    CAudioBufferRef out = pool().takeBlock(blockLength());
     m_core->processBlock(inputSamples(0), out.samples(), blockLength());
     output(0).buffer = std::move(out);
 }

@@ -46,6 +46,12 @@ CAudioBufferRef CAudioBufferPool::takeSilent(int sampleCount) {
     return buffer;
 }
 
+CAudioBufferRef CAudioBufferPool::takeSilentBlock(int frames) {
+    CAudioBufferRef buffer = takeBlock(frames);
+    std::fill_n(buffer.samples(), frames, 0.0);
+    return buffer;
+}
+
 void CAudioBufferPool::give(CAudioBuffer* buffer) noexcept {
     buffer->m_nextFree = std::exchange(m_free[buffer->m_sizeClass], buffer);
     --m_heldCount;

@@ -2,7 +2,7 @@
 // Samples on their way through the graph: blocks of doubles that processes hand on by reference, and the pool that they
 // come from and go back to.
 //
-//     CAudioBufferRef out = pool.take(frames);        // alone with it: may be written
+//     CAudioBufferRef out = pool.takeBlock(frames);   // alone with it: may be written
 //     channel.buffer = in;                            // one more reference, no copy
 //
 // A process that alone holds a buffer writes in place. Owner of the memory: the pool, one an instance; every reference
@@ -18,6 +18,8 @@
 namespace brt {
 
 class CAudioBufferPool;
+
+constexpr int kAudioBlockLimit = 512;  // samples of a block
 
 // The header in front of the samples, which are aligned to 64 bytes.
 class alignas(64) CAudioBuffer {
@@ -85,6 +87,10 @@ public:
     CAudioBufferRef take(int sampleCount);
     // One that holds zeros.
     CAudioBufferRef takeSilent(int sampleCount);
+    // The same for a block of the graph: always with room for the longest, so that a host which changes the length of
+    // its blocks makes nobody ask the system.
+    CAudioBufferRef takeBlock(int frames) { return take(frames > kAudioBlockLimit ? frames : kAudioBlockLimit); }
+    CAudioBufferRef takeSilentBlock(int frames);
 
     // Buffers that somebody holds.
     int heldCount() const noexcept { return m_heldCount; }

@@ -26,6 +26,7 @@ void CAudioLink::deliver(int channelNumber, CAudioBufferRef buffer) noexcept {
 
 void CAudioLink::releaseBuffers() noexcept {
     for (CAudioChannel& channel : channels()) channel.buffer.reset();
+    m_blockLength = 0;
 }
 
 // A channel that goes loses its delay; one that is new starts without a fade.
@@ -34,27 +35,29 @@ void CAudioLink::align(CAudioBufferPool& pool, int latencySamples, bool isRateNe
     for (int number = 0; number < kAudioChannelLimit; ++number) {
         std::unique_ptr<CDSPModDelay>& delay = m_delays[static_cast<std::size_t>(number)];
         const int place = m_places[static_cast<std::size_t>(number)];
+        const std::uint32_t bit = 1U << number;
+        const bool isPlaying = !isRateNew && (m_playing & bit) != 0;
+        m_playing = place > 0 ? m_playing | bit : m_playing & ~bit;
         if (place == 0 || isRateNew || (delay != nullptr && delay->isTransparent())) delay.reset();
         if (place == 0) continue;
         const int needed = latencySamples - m_channels[static_cast<std::size_t>(place - 1)].latencySamples;
-        if (delay != nullptr)
-            delay->setDelay(needed);
-        else if (needed > 0)
-            delay = std::make_unique<CDSPModDelay>(pool, m_sampleRate, needed);
+        if (delay == nullptr && needed > 0)
+            delay = std::make_unique<CDSPModDelay>(pool, m_sampleRate, isPlaying ? 0 : needed);
+        if (delay != nullptr) delay->setDelay(needed);
         m_hasDelays = m_hasDelays || delay != nullptr;
     }
 }
 
-void CAudioLink::runDelays(CAudioBufferPool& pool) {
+void CAudioLink::runDelays(CAudioBufferPool& pool, int blockLength) {
     if (!m_hasDelays) return;
     for (CAudioChannel& channel : channels()) {
         CDSPModDelay* const delay = m_delays[static_cast<std::size_t>(channel.number)].get();
         if (delay == nullptr || delay->isTransparent()) continue;
-        if (!channel.buffer) channel.buffer = pool.takeSilent(m_blockLength);
+        if (!channel.buffer) channel.buffer = pool.takeSilentBlock(blockLength);
         // Others may hold the buffer too: they must not see it delayed.
         CAudioBufferRef source = std::move(channel.buffer);
-        CAudioBufferRef result = source.isUnique() ? source : pool.take(m_blockLength);
-        delay->process(source.samples(), result.samples(), m_blockLength);
+        CAudioBufferRef result = source.isUnique() ? source : pool.takeBlock(blockLength);
+        delay->process(source.samples(), result.samples(), blockLength);
         channel.buffer = std::move(result);
     }
 }

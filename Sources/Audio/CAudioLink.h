@@ -15,7 +15,6 @@ namespace brt {
 
 constexpr int kAudioChannelLimit = 16;  // channel numbers
 constexpr int kAudioTableLimit = 32;    // channels that a process delivers, over all its ports
-constexpr int kAudioBlockLimit = 512;   // samples of a block
 
 struct CAudioChannel {
     int number = 0;
@@ -38,16 +37,18 @@ public:
 
     std::span<CAudioChannel> channels() noexcept { return {m_channels.data(), static_cast<std::size_t>(m_count)}; }
     double sampleRate() const noexcept { return m_sampleRate; }
+    // Samples that came in this block; 0: nobody has delivered anything yet.
     int blockLength() const noexcept { return m_blockLength; }
 
     // One block. A channel that is not in the table is dropped.
     void beginDelivery(int blockLength) noexcept { m_blockLength = blockLength; }
     void deliver(int channelNumber, CAudioBufferRef buffer) noexcept;
+    // Ends the block.
     void releaseBuffers() noexcept;
 
-    // Brings every channel to that latency.
+    // Brings every channel to that latency: those that have played already with a fade.
     void align(CAudioBufferPool& pool, int latencySamples, bool isRateNew);
-    void runDelays(CAudioBufferPool& pool);
+    void runDelays(CAudioBufferPool& pool, int blockLength);
     void resetDelays();
 
 private:
@@ -59,6 +60,7 @@ private:
     std::array<CAudioChannel, kAudioTableLimit> m_channels;
     std::array<std::int8_t, kAudioChannelLimit> m_places{};                  // of a channel number in the table, plus 1
     std::array<std::unique_ptr<CDSPModDelay>, kAudioChannelLimit> m_delays;  // by channel number; null: none needed
+    std::uint32_t m_playing = 0;  // a bit for each channel number that has been aligned at this rate
     bool m_hasDelays = false;
 };
 

@@ -44,7 +44,7 @@ void CAudioModule::bind(CParamSlot& slot, int index) {
 CAudioBufferRef CAudioModule::inputBuffer(int index) {
     // Written by nobody in this block: all who take it share one silent buffer.
     CAudioChannel& channel = **m_inputs[static_cast<std::size_t>(index)];
-    if (!channel.buffer) channel.buffer = pool().takeSilent(m_blockLength);
+    if (!channel.buffer) channel.buffer = pool().takeSilentBlock(m_blockLength);
     return channel.buffer;
 }
 

@@ -53,12 +53,12 @@ CAudioBufferRef CAudioPort::mixed(CAudioBufferPool& pool, const CMixNode& node, 
     CAudioBufferRef result;
     for (CAudioChannel* const source : node.sources) {
         if (!source->buffer && how != EAudioComboMode::kMaximum) continue;
-        const CAudioBufferRef next = source->buffer ? source->buffer : pool.takeSilent(blockLength);
+        const CAudioBufferRef next = source->buffer ? source->buffer : pool.takeSilentBlock(blockLength);
         if (!result) {
             result = next;
             continue;
         }
-        const CAudioBufferRef sum = result.isUnique() ? result : pool.take(blockLength);
+        const CAudioBufferRef sum = result.isUnique() ? result : pool.takeBlock(blockLength);
         const double* const a = result.samples();
         const double* const b = next.samples();
         double* const out = sum.samples();
@@ -69,7 +69,7 @@ CAudioBufferRef CAudioPort::mixed(CAudioBufferPool& pool, const CMixNode& node, 
         result = sum;
     }
     if (!result || how != EAudioComboMode::kAverage) return result;
-    const CAudioBufferRef mean = result.isUnique() ? result : pool.take(blockLength);
+    const CAudioBufferRef mean = result.isUnique() ? result : pool.takeBlock(blockLength);
     const double scale = 1.0 / node.sources.count();
     std::transform(result.samples(), result.samples() + blockLength, mean.samples(),
                    [scale](double value) { return value * scale; });

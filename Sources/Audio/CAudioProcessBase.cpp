@@ -45,8 +45,7 @@ void CAudioProcessBase::detach() {
 // One block.
 
 void CAudioProcessBase::prepare() {
-    CAudioPort& main = mainPort();
-    m_blockLength = main.links().isEmpty() ? 0 : main.links()[0].blockLength();
+    m_blockLength = deliveredLength();
     if (m_changes > 0 && rebuildInputs()) m_updateInProgress = m_allParamsChanged = true;
     if (m_updateInProgress || m_updateNeeded != 0) {
         if (m_allParamsChanged)
@@ -58,10 +57,18 @@ void CAudioProcessBase::prepare() {
         m_updateNeeded = m_timedEvents.isEmpty() ? 0 : 1;
     }
     for (CAudioPort* const port : m_ports) {
-        for (CAudioLink* const link : port->links()) link->runDelays(pool());
+        for (CAudioLink* const link : port->links()) link->runDelays(pool(), m_blockLength);
         port->mix(pool(), definition().inputComboMode(), m_blockLength);
         port->passThrough(m_blockLength);
     }
+}
+
+// A link may come from where nothing runs; the others tell how long the block is. 0 without any.
+int CAudioProcessBase::deliveredLength() const noexcept {
+    int length = 0;
+    for (CAudioPort* const port : m_ports)
+        for (const CAudioLink* const link : port->links()) length = std::max(length, link->blockLength());
+    return length;
 }
 
 void CAudioProcessBase::releaseInputs() {

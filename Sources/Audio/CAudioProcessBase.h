@@ -183,6 +183,7 @@ private:
     bool rebuildInputs();
     bool removeUnusedPorts();
     void findLatencies() noexcept;
+    int deliveredLength() const noexcept;
     void advanceTimedEvents() noexcept;
     void connectChildren(const COutgoing& outgoing, bool isMade);
     void moveConnections(int port, bool toInput);

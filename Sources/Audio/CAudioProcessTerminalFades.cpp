@@ -27,6 +27,13 @@ void CAudioProcessTerminalBase::listModules() {
     const CAudioPort& port = mainPort();
     const bool isWhole = definition().isTerminalWhole();
     const int wantedCount = isWhole ? 1 : port.channelCount();
+    // Modules of channels that have gone are spares before others are looked for.
+    for (int i = m_modules.count() - 1; i >= 0; --i) {
+        const int number = m_modules[i].m_channelNumber;
+        const auto isOfModule = [number](const CAudioChannel& channel) { return channel.number == number; };
+        if (!isWhole && std::none_of(port.table().begin(), port.table().end(), isOfModule))
+            m_spares.append(m_modules.take(i));
+    }
     COwnedArray<CAudioModule> kept;
     for (int i = 0; i < wantedCount; ++i) {
         const int number = isWhole ? CAudioModule::kWholePort : port.channel(i).number;
@@ -40,7 +47,6 @@ void CAudioProcessTerminalBase::listModules() {
             connectModule(*module, i, 1);
         if (isNew) module->prepare();
     }
-    while (!m_modules.isEmpty()) m_spares.append(m_modules.take(m_modules.count() - 1));
     while (!kept.isEmpty()) m_modules.insertAt(0, kept.take(kept.count() - 1).release());
 }
 
@@ -121,7 +127,7 @@ void CAudioProcessTerminalBase::runFade(CCrossfade& fade) {
     for (int i = 0; i < fade.to->m_outputCount; ++i) {
         const double* const old = fade.from->output(i).buffer.samples();
         const double* const fresh = fade.to->output(i).buffer.samples();
-        CAudioBufferRef mixed = pool().take(count);
+        CAudioBufferRef mixed = pool().takeBlock(count);
         double* const out = mixed.samples();
         CRaisedCosine& curve = fade.curves[i];
         std::copy_n(old, wait, out);

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <numbers>
 
 namespace brt {
@@ -25,27 +24,24 @@ CDSPModDelay::CDSPModDelay(CAudioBufferPool& pool, double sampleRate, int delayS
 // Enough that a step never overwrites what it is about to read. What has been written keeps its distance.
 void CDSPModDelay::growRing() {
     const int longest = std::max({m_delay, m_oldDelay, m_fadeSamples});
-    const auto needed = static_cast<std::size_t>((kBlockSamples + longest + kStepSamples - 1) / kBlockSamples);
-    if (needed <= m_blocks.size()) return;
-    // The block at the write position is the newest: new ones go behind it, before the oldest.
-    const std::size_t index = m_blocks.empty() ? 0 : static_cast<std::size_t>(m_write / kBlockSamples + 1);
-    const std::size_t added = needed - m_blocks.size();
-    const bool isSplit = m_write % kBlockSamples != 0;
-    m_blocks.resize(needed);
-    std::rotate(m_blocks.begin() + static_cast<long>(index), m_blocks.end() - static_cast<long>(added), m_blocks.end());
-    if (!isSplit) return;
-    // Behind the write position the block holds the oldest samples: they move on to the last of the new blocks.
-    CAudioBufferRef& split = m_blocks[index - 1];
-    if (!split) return;
+    const int needed = (kBlockSamples + longest + kStepSamples - 1) / kBlockSamples;
+    const int added = needed - m_blocks.count();
+    if (added <= 0) return;
+    // New ones go between the newest sample and the oldest, which is the one at the write position.
     const int offset = m_write % kBlockSamples;
-    CAudioBufferRef& oldest = m_blocks[index + added - 1];
+    const int place = m_write / kBlockSamples + (offset > 0 ? 1 : 0);
+    for (int i = 0; i < added; ++i) m_blocks.insertAt(place, new CBlock);
+    // A block may hold both: the oldest samples, behind the write position, move on to the last of the new blocks.
+    if (offset == 0 || !m_blocks[place - 1].buffer) return;
+    double* const split = m_blocks[place - 1].buffer.samples();
+    CAudioBufferRef& oldest = m_blocks[place - 1 + added].buffer;
     oldest = m_pool.takeSilent(kBlockSamples);
-    std::copy_n(split.samples() + offset, kBlockSamples - offset, oldest.samples() + offset);
-    std::fill_n(split.samples() + offset, kBlockSamples - offset, 0.0);
+    std::copy_n(split + offset, kBlockSamples - offset, oldest.samples() + offset);
+    std::fill_n(split + offset, kBlockSamples - offset, 0.0);
 }
 
 double* CDSPModDelay::at(int position) {
-    CAudioBufferRef& block = m_blocks[static_cast<std::size_t>(position / kBlockSamples)];
+    CAudioBufferRef& block = m_blocks[position / kBlockSamples].buffer;
     if (!block) block = m_pool.takeSilent(kBlockSamples);
     return block.samples() + position % kBlockSamples;
 }
@@ -102,7 +98,7 @@ void CDSPModDelay::processStep(const double* in, double* out, int count) {
 }
 
 void CDSPModDelay::reset() {
-    for (CAudioBufferRef& block : m_blocks) block.reset();
+    for (CBlock* const block : m_blocks) block->buffer.reset();
     m_write = 0;
     m_fadeLeft = 0;
     if (m_pending >= 0) m_delay = std::exchange(m_pending, -1);

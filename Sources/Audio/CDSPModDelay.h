@@ -7,9 +7,8 @@
 // Owner: a link of the graph. Threads: audio.
 #pragma once
 
-#include <vector>
-
 #include "Audio/CAudioBuffer.h"
+#include "Core/COwnedArray.h"
 
 namespace brt {
 
@@ -54,7 +53,11 @@ private:
     static constexpr int kBlockSamples = 1024;
     static constexpr int kStepSamples = 256;
 
-    int ringSamples() const noexcept { return static_cast<int>(m_blocks.size()) * kBlockSamples; }
+    struct CBlock : CBrtMemAllocator {
+        CAudioBufferRef buffer;  // empty: nobody has touched it
+    };
+
+    int ringSamples() const noexcept { return m_blocks.count() * kBlockSamples; }
     void growRing();
     double* at(int position);
     int readPosition(int delaySamples) const noexcept;
@@ -63,7 +66,7 @@ private:
 
     CAudioBufferPool& m_pool;
     const int m_fadeSamples;
-    std::vector<CAudioBufferRef> m_blocks;  // the ring; those that nobody has touched are empty
+    COwnedArray<CBlock> m_blocks;  // the ring
     int m_write = 0;
     int m_delay;
     int m_oldDelay = 0;  // faded from

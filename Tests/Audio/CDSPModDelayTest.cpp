@@ -51,24 +51,30 @@ Samples reference(const Samples& in, int delay, const std::vector<Change>& chang
     return out;
 }
 
+// In the second row the ring grows where it begins anew.
 TEST(CDSPModDelay, changesFadeAndTheLastWishHolds) {
     CAudioBufferPool pool;
     const Samples in = noise(30000);
-    const std::vector<Change> changes = {{100, 1667}, {300, 5}, {500, 3000}, {9000, 0}, {15000, 2500}, {15001, 20}};
+    const std::vector<Change> kChanges[] = {
+        {{100, 1667}, {300, 5}, {500, 3000}, {9000, 0}, {15000, 2500}, {15001, 20}},
+        {{2048, 1000}, {4096, 2000}, {9216, 3000}, {12288, 0}},
+    };
     constexpr double kRate = 48000.0;
-    const Samples expected = reference(in, 10, changes, static_cast<int>(std::lround(0.015 * kRate)));
-    for (const int block : {1, 37, 256, 512}) {
-        CDSPModDelay delay(pool, kRate, 10);
-        Samples out = in;
-        std::size_t next = 0;
-        for (int start = 0; start < static_cast<int>(in.size());) {
-            while (next < changes.size() && changes[next].at == start) delay.setDelay(changes[next++].delay);
-            int count = std::min(block, static_cast<int>(in.size()) - start);
-            if (next < changes.size()) count = std::min(count, changes[next].at - start);
-            delay.process(out.data() + start, out.data() + start, count);
-            start += count;
+    for (const std::vector<Change>& changes : kChanges) {
+        const Samples expected = reference(in, 10, changes, static_cast<int>(std::lround(0.015 * kRate)));
+        for (const int block : {1, 37, 256, 512}) {
+            CDSPModDelay delay(pool, kRate, 10);
+            Samples out = in;
+            std::size_t next = 0;
+            for (int start = 0; start < static_cast<int>(in.size());) {
+                while (next < changes.size() && changes[next].at == start) delay.setDelay(changes[next++].delay);
+                int count = std::min(block, static_cast<int>(in.size()) - start);
+                if (next < changes.size()) count = std::min(count, changes[next].at - start);
+                delay.process(out.data() + start, out.data() + start, count);
+                start += count;
+            }
+            for (std::size_t i = 0; i < in.size(); ++i) ASSERT_NEAR(out[i], expected[i], 1e-9) << i << " in " << block;
         }
-        for (std::size_t i = 0; i < in.size(); ++i) ASSERT_NEAR(out[i], expected[i], 1e-9) << i << " in " << block;
     }
     EXPECT_EQ(pool.heldCount(), 0);
 }

@@ -124,12 +124,12 @@ protected:
         TreeFixture::TearDown();
     }
 
-    // 1, 2, 3, ... through the graph.
+    // 1, 2, 3, ... through the graph, or what the steps make of it.
     Samples count(int length, int block = 16) {
         Samples out;
         for (int start = 0; start < length; start += block) {
             Samples in;
-            for (int i = 0; i < block; ++i) in.push_back(m_counted++);
+            for (int i = 0; i < block; ++i, m_counted += m_step) in.push_back(m_counted);
             Samples part(in.size());
             const double* const inputs[] = {in.data()};
             double* const outputs[] = {part.data()};
@@ -161,6 +161,7 @@ protected:
     CAudioParamCollector* m_collector = nullptr;
     std::unique_ptr<CAudioGraph> m_graph;
     double m_counted = 1.0;
+    double m_step = 1.0;
 };
 
 TEST_F(SequenceTest, pathsOfDifferentLatencyMeetInStep) {
@@ -175,6 +176,25 @@ TEST_F(SequenceTest, pathsOfDifferentLatencyMeetInStep) {
     const Samples out = count(64);
     EXPECT_EQ(latency(), 10);
     for (int i = 10; i < 64; ++i) ASSERT_EQ(out[static_cast<std::size_t>(i)], 2.0 * (i - 10 + 1)) << i;
+}
+
+// The path that was there alone fades to its new delay; it does not stop until its line is full.
+TEST_F(SequenceTest, aPathThatPlaysFadesToTheLatencyOfOneThatComes) {
+    build({{"audio:process-bypass-state", "off", {{"id", "7"}, {"param", "off"}, {"value", "1.0"}}},
+           {"test:shift", "fast"},
+           {"test:shift", "slow", {{"delay", "20"}, {"bypass-state-id", "7"}}},
+           {"audio:process-link", "", {{"src", "*"}, {"dst", "fast"}}},
+           {"audio:process-link", "", {{"src", "*"}, {"dst", "slow"}}},
+           {"audio:process-link", "", {{"src", "fast"}, {"dst", "*"}}},
+           {"audio:process-link", "", {{"src", "slow"}, {"dst", "*"}}}});
+    setState(1.0);
+    m_step = 0.0;
+    count(2048);
+    setState(0.0);
+    const Samples out = count(2048);
+    EXPECT_EQ(latency(), 20);
+    for (int i = 0; i < 20; ++i) ASSERT_NEAR(out[static_cast<std::size_t>(i)], 1.0, 0.01) << i;
+    for (int i = 20; i < 2048; ++i) ASSERT_NEAR(out[static_cast<std::size_t>(i)], 2.0, 1e-9) << i;
 }
 
 TEST_F(SequenceTest, meansAndMaximaOfSeveralSources) {
@@ -242,6 +262,24 @@ TEST_F(SequenceTest, aCircleIsToldAndTheRestPlaysOn) {
            {"audio:process-link", "", {{"src", "a"}, {"dst", "b"}}}});
     EXPECT_EQ(count(16)[3], 4.0);
     EXPECT_EQ(log().back(), "main // process seq err");
+}
+
+// The output's first link brings nothing: the others tell how long the block is.
+TEST_F(SequenceTest, aCircleBesideOthersThatFeedTheOutputIsSilent) {
+    build({{"test:shift", "a"},
+           {"test:shift", "b"},
+           {"test:shift", "x"},
+           {"test:shift", "y"},
+           {"audio:process-link", "", {{"src", "*"}, {"dst", "a"}}},
+           {"audio:process-link", "", {{"src", "a"}, {"dst", "b"}}},
+           {"audio:process-link", "", {{"src", "b"}, {"dst", "a"}}},
+           {"audio:process-link", "", {{"src", "b"}, {"dst", "*"}}},
+           {"audio:process-link", "", {{"src", "*"}, {"dst", "x"}}},
+           {"audio:process-link", "", {{"src", "*"}, {"dst", "y"}}},
+           {"audio:process-link", "", {{"src", "x"}, {"dst", "*"}}},
+           {"audio:process-link", "", {{"src", "y"}, {"dst", "*"}}}});
+    const Samples out = count(1024, 512);
+    for (int i = 0; i < 1024; ++i) ASSERT_EQ(out[static_cast<std::size_t>(i)], 2.0 * (i + 1)) << i;
 }
 
 TEST_F(SequenceTest, aChildThatCannotBeMadeIsToldAndLeftOut) {
