@@ -2,6 +2,7 @@
 #include "Modules/CAudioGraph.h"
 
 #include <algorithm>
+#include <array>
 
 #include "Audio/CAudioEnv.h"
 #include "Audio/CAudioProcessDefBase.h"
@@ -23,7 +24,6 @@ CModOutput& CAudioGraph::output() const noexcept { return static_cast<CModOutput
 
 CError* CAudioGraph::start(const CAudioProcessDefBase& main, CStringView mainPath, const CAudioProcessDefBase& output,
                            CStringView outputPath) {
-    m_cores.fill();
     BRT_TRY(mainPath, main.createInstance(m_main, mainPath, m_context, 0, 0, EProcessRole::kWhole));
     BRT_TRY(outputPath, output.createInstance(m_output, outputPath, m_context, 0, 0, EProcessRole::kWhole));
     if (dynamic_cast<CModOutput*>(m_output.get()) == nullptr)
@@ -32,6 +32,30 @@ CError* CAudioGraph::start(const CAudioProcessDefBase& main, CStringView mainPat
     m_input = m_main->addInput(0);
     m_main->connect(*m_output, 0, 0);
     return nullptr;
+}
+
+void CAudioGraph::warmUp() {
+    constexpr int kChannels = 4;  // two, and two more
+    constexpr int kGroups = 2;
+    constexpr int kBlocks = 4;  // until all delay lines are full
+    constexpr int kFadeBuffers = 16;
+    std::array<CAudioChannel, kChannels> table{};
+    const std::array<double, kAudioBlockLimit> silence{};
+    std::array<const double*, kChannels> inputs;
+    inputs.fill(silence.data());
+    for (int i = 0; i < kChannels; ++i) {
+        table[static_cast<std::size_t>(i)].number = i;
+        table[static_cast<std::size_t>(i)].group = i * kGroups / kChannels;
+    }
+    setInput(table, 48000.0);
+    for (int i = 0; i < kBlocks; ++i) process(inputs.data(), nullptr, 0, kAudioBlockLimit);
+    {
+        std::array<CAudioBufferRef, kFadeBuffers> buffers;
+        for (CAudioBufferRef& buffer : buffers) buffer = m_pool.takeBlock(kAudioBlockLimit);
+    }
+    setInput({}, 48000.0);
+    process(inputs.data(), nullptr, 0, 0);
+    makeSpares();
 }
 
 void CAudioGraph::setInput(std::span<const CAudioChannel> channels, double sampleRate) {
@@ -55,7 +79,7 @@ void CAudioGraph::process(const double* const* inputs, double* const* outputs, i
     m_input->beginDelivery(frames);
     int place = 0;
     for (const CAudioChannel& channel : m_input->channels()) {
-        CAudioBufferRef buffer = m_pool.take(frames);
+        CAudioBufferRef buffer = m_pool.takeBlock(frames);
         std::copy_n(inputs[place++], frames, buffer.samples());
         m_input->deliver(channel.number, std::move(buffer));
     }

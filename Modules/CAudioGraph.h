@@ -2,11 +2,12 @@
 // The running graph of one instance: the process "modMain" of the shared document, what feeds it, and the output that
 // gathers what it delivers.
 //
+//     graph.warmUp();                             // once; and graph.makeSpares() whenever there is time
 //     graph.setInput(channels, 48000.0);          // the layout; again whenever it changes
 //     graph.process(inputs, outputs, frames);     // at most 512 samples, with the changes that wait
 //
 // Owner: whoever drives an instance. Its collector and environment outlive it. Threads: `start` and the destructor
-// while nobody processes; the rest is the audio thread's.
+// while nobody processes; the rest is the audio thread's, where no other is told.
 #pragma once
 
 #include <memory>
@@ -31,6 +32,12 @@ public:
     // [init] Makes the processes; `path` is the full name of the main one.
     [[nodiscard]] CError* start(const CAudioProcessDefBase& main, CStringView mainPath,
                                 const CAudioProcessDefBase& output, CStringView outputPath);
+
+    // [init] Plays a moment of silence through more channels and groups than it is going to have, so that the memory
+    // lies ready of which the audio thread builds when the routing changes. Leaves a layout without channels.
+    void warmUp();
+    // [any] Replaces what changes of the routing have taken. Not on the audio thread.
+    void makeSpares() { m_cores.fill(); }
 
     // [audio] The channels that come in, by number, with their groups.
     void setInput(std::span<const CAudioChannel> channels, double sampleRate);

@@ -64,6 +64,7 @@ protected:
         succeed(m_root->findObjectChecked(main, "shared::audio.modMain"));
         succeed(m_root->findObjectChecked(output, "shared::audio.modOutput"));
         succeed(graph->start(*main, "plugin.modMain", *output, "plugin.modOutput"));
+        graph->warmUp();
         return graph;
     }
 

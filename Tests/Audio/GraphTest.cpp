@@ -167,6 +167,7 @@ TEST_F(GraphTest, channelsGroupsAndRatesComeAndGo) {
     }
 }
 
+// Whatever its length: a host may send each with another one.
 TEST_F(GraphTest, aSteadyBlockAsksForNoMemory) {
     const std::vector<Samples> in = {noise(4096, 12), noise(4096, 13)};
     std::vector<Samples> out(2, Samples(512));
@@ -174,7 +175,14 @@ TEST_F(GraphTest, aSteadyBlockAsksForNoMemory) {
     const double* const inputs[] = {in[0].data(), in[1].data()};
     double* const outputs[] = {out[0].data(), out[1].data()};
     const CNoAllocationScope trap;
-    for (int i = 0; i < 20; ++i) m_graph->process(inputs, outputs, 2, 512);
+    for (const int frames : {512, 1, 64, 65, 200, 0, 511, 512}) m_graph->process(inputs, outputs, 2, frames);
+}
+
+TEST_F(GraphTest, channelsThatComeTakeTheModulesOfThoseThatGo) {
+    const int stock = graph().cores().count();
+    setInput({{2, 0}, {3, 0}}, 48000.0);
+    run({noise(512, 16), noise(512, 17)});
+    EXPECT_EQ(graph().cores().count(), stock);
 }
 
 }  // namespace

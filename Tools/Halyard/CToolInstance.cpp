@@ -52,6 +52,7 @@ CToolInstance::CToolInstance() {
     m_graph = std::make_unique<CAudioGraph>(m_collector->env(), *m_collector, m_viz);
     succeed(m_graph->start(*main, "plugin.modMain", *output, "plugin.modOutput"));
     m_collector->start();
+    m_graph->warmUp();
     m_collector->env().setActive(true);
 }
 
@@ -72,6 +73,7 @@ void CToolInstance::setLayout(int channelCount, double sampleRate, int groupSize
     }
     m_graph->setInput({table.data(), static_cast<std::size_t>(channelCount)}, sampleRate);
     settle();
+    m_graph->makeSpares();
 }
 
 void CToolInstance::settle() {
