@@ -143,30 +143,6 @@ TEST_F(GraphTest, aChangeDuringAFadeIsHeardInTheEndAndSurvivesAReset) {
     EXPECT_NEAR(run({in, in}, {64})[0].back(), 0.075, 1e-9);
 }
 
-TEST_F(GraphTest, channelsGroupsAndRatesComeAndGo) {
-    std::mt19937 random(11);
-    const auto below = [&](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
-    const char* const names[] = {"plugin.modMain.modHal.ingain",  "plugin.modMain.modHal.hardness",
-                                 "plugin.modMain.modHal.residue", "plugin.modMain.modHal.outgain",
-                                 "plugin.modMain.bypass-enable",  "plugin.modMain.io-params.channel-group-solo"};
-    for (int round = 0; round < 150; ++round) {
-        std::vector<Channel> channels;
-        const int count = below(5);
-        for (int number = below(3); number < 16 && static_cast<int>(channels.size()) < count; number += 1 + below(3))
-            channels.push_back({number, below(4)});
-        setInput(channels, below(2) == 0 ? 44100.0 : 96000.0);
-        if (channels.empty()) channels.push_back({0, 0});
-        std::vector<Samples> in;
-        for (std::size_t i = 0; i < 16; ++i) in.push_back(noise(700, static_cast<unsigned>(round)));
-        const auto out = run(in, {64, 1, 300, 0}, [&](int) {
-            if (below(2) == 0) set(names[below(6)], below(2), below(4));
-            if (below(12) == 0) m_graph->reset();
-        });
-        for (const Samples& signal : out)
-            for (const double sample : signal) ASSERT_TRUE(std::isfinite(sample));
-    }
-}
-
 // Whatever its length: a host may send each with another one.
 TEST_F(GraphTest, aSteadyBlockAsksForNoMemory) {
     const std::vector<Samples> in = {noise(4096, 12), noise(4096, 13)};
