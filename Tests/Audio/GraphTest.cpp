@@ -107,6 +107,26 @@ TEST_F(GraphTest, soloSilencesTheOtherGroups) {
     EXPECT_GT(largestDifference(out[0], Samples(out[0].size(), 0.0)), 0.5);
 }
 
+// It has no fade: what is not soloed ends and begins with a step. What is soloed goes on without a flaw.
+TEST_F(GraphTest, theSoloStageComesAndGoesAtOnce) {
+    setInput({{0, 0}, {1, 1}}, 48000.0);
+    const Samples tone = sine(30000, 997.0 / 48000.0, 1.0);
+    const int on = 64 * 100;
+    const int off = 64 * 305;
+    const auto out = run({tone, tone}, {64}, [&](int start) {
+        if (start == on || start == off) set("plugin.modMain.io-params.channel-group-solo", start == on ? 1.0 : 0.0, 1);
+    });
+    Samples wanted = clipped(tone, 1.0, 1.0);
+    EXPECT_EQ(out[1], wanted);
+    const auto stepAt = [&](int n) {
+        return std::abs(out[0][static_cast<std::size_t>(n)] - out[0][static_cast<std::size_t>(n - 1)]);
+    };
+    RecordProperty("stepOn", std::to_string(stepAt(on)));
+    RecordProperty("stepOff", std::to_string(stepAt(off)));
+    std::fill(wanted.begin() + on, wanted.begin() + off, 0.0);
+    EXPECT_LE(largestDifference(out[0], wanted), 1.001e-11);
+}
+
 // The largest step from one sample to the next, against that of the steady signals on both sides.
 TEST_F(GraphTest, gainAndBypassChangeWithoutAClick) {
     const double cycles = 997.0 / 48000.0;
