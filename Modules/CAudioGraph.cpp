@@ -74,28 +74,43 @@ void CAudioGraph::beginBlock(int frames) {
     m_context.collector.applyUpdates(m_updates);
 }
 
+void CAudioGraph::takeUpdates() {
+    m_context.collector.takeUpdates(m_updates);
+    m_context.collector.applyUpdates(m_updates);
+}
+
+void CAudioGraph::run(int frames) {
+    m_input->beginDelivery(frames);
+    m_main->process();
+    output().begin();
+    m_runSeconds = frames / m_sampleRate;
+}
+
+const CAudioPort& CAudioGraph::outputPort() const noexcept { return output().mainPort(); }
+
+void CAudioGraph::endBlock() {
+    output().end();
+    m_context.env.setStreamSeconds(m_context.env.streamSeconds() + m_runSeconds);
+}
+
 void CAudioGraph::process(const double* const* inputs, double* const* outputs, int outputCount, int frames) {
     beginBlock(frames);
-    m_input->beginDelivery(frames);
     int place = 0;
-    for (const CAudioChannel& channel : m_input->channels()) {
-        CAudioBufferRef buffer = m_pool.takeBlock(frames);
+    for (const CAudioChannel& channel : inputChannels()) {
+        CAudioBufferRef buffer = takeBuffer(frames);
         std::copy_n(inputs[place++], frames, buffer.samples());
-        m_input->deliver(channel.number, std::move(buffer));
+        deliver(channel.number, std::move(buffer));
     }
-    m_main->process();
+    run(frames);
 
-    CModOutput& end = output();
-    end.begin();
     for (int i = 0; i < outputCount; ++i) std::fill_n(outputs[i], frames, 0.0);
-    const CAudioPort& port = end.mainPort();
+    const CAudioPort& port = outputPort();
     for (int i = 0; i < port.channelCount(); ++i) {
         const CAudioChannel& channel = port.channel(i);
         if (channel.number < outputCount && channel.buffer)
             std::copy_n(channel.buffer.samples(), frames, outputs[channel.number]);
     }
-    end.end();
-    m_context.env.setStreamSeconds(m_context.env.blockEndSeconds());
+    endBlock();
 }
 
 void CAudioGraph::reset() {

@@ -6,6 +6,12 @@
 //     graph.setInput(channels, 48000.0);          // the layout; again whenever it changes
 //     graph.process(inputs, outputs, frames);     // at most 512 samples, with the changes that wait
 //
+// Who has more to do in a block than that takes its steps one by one:
+//
+//     graph.beginBlock(frames);                   // the changes that wait; then `setInput`, if these ask for it
+//     graph.deliver(channel, buffer);             // for each of `inputChannels`
+//     graph.run();   ... outputPort() ...   graph.endBlock();
+//
 // Owner: whoever drives an instance. Its collector and environment outlive it. Threads: `start` and the destructor
 // while nobody processes; the rest is the audio thread's, where no other is told.
 #pragma once
@@ -46,6 +52,20 @@ public:
     // each channel of the layout, `outputs` one for each channel number that is wanted, 0 upward; a channel that the
     // graph does not deliver is silent. REQUIRES: frames <= 512.
     void process(const double* const* inputs, double* const* outputs, int outputCount, int frames);
+    // [audio] The steps of a block. Between `run` and `endBlock` the output's port can be read; a channel without a
+    // buffer is silent.
+    void beginBlock(int frames);
+    // Changes that have come meanwhile, for a chunk behind the first.
+    void takeUpdates();
+    std::span<CAudioChannel> inputChannels() noexcept { return m_input->channels(); }
+    CAudioBufferRef takeBuffer(int frames) { return m_pool.takeBlock(frames); }
+    void deliver(int channelNumber, CAudioBufferRef buffer) noexcept {
+        m_input->deliver(channelNumber, std::move(buffer));
+    }
+    void run(int frames);
+    const CAudioPort& outputPort() const noexcept;
+    void endBlock();
+
     // [audio] To silence.
     void reset();
 
@@ -55,8 +75,6 @@ public:
     CHalyardCoreStock& cores() noexcept { return m_cores; }
 
 private:
-    void beginBlock(int frames);
-
     CAudioBufferPool m_pool;
     CHalyardCoreStock m_cores;
     CAudioProcessContext m_context;
@@ -65,6 +83,7 @@ private:
     std::unique_ptr<CAudioProcessBase> m_output;
     CAudioLink* m_input = nullptr;  // the main process's
     double m_sampleRate = 44100.0;  // of the input
+    double m_runSeconds = 0.0;      // of the block at hand
 };
 
 }  // namespace brt

@@ -17,9 +17,9 @@ CError* CAudioEnv::init() {
     return nullptr;
 }
 
-void CAudioEnv::setActive(bool isActive) noexcept {
+bool CAudioEnv::setActive(bool isActive) noexcept {
     const CSwapLock lock(m_section);
-    m_isActive.store(isActive, std::memory_order_relaxed);
+    return m_isActive.exchange(isActive, std::memory_order_relaxed) != isActive;
 }
 
 bool CAudioEnv::setSampleRate(double sampleRateHz) noexcept {

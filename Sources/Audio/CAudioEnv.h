@@ -35,7 +35,8 @@ public:
 
     // [any] Whether somebody takes what waits: the instance processes blocks, or may begin to at any time.
     bool isActive() const noexcept { return m_isActive.load(std::memory_order_relaxed); }
-    void setActive(bool isActive) noexcept;
+    // True if that is new.
+    bool setActive(bool isActive) noexcept;
 
     // [any] In Hz.
     double sampleRate() const noexcept { return m_sampleRate.load(std::memory_order_relaxed); }
