@@ -45,6 +45,7 @@ protected:
         CDiagnostics diagnostics(source);
         Bytes bytes = compileText(source, {tables, m_shared, m_resources}, diagnostics);
         m_errors = diagnostics.lines();
+        m_missing = diagnostics.missingLine();
         EXPECT_EQ(bytes.empty(), diagnostics.hasErrors());
         return bytes;
     }
@@ -68,6 +69,7 @@ protected:
     std::string m_errors;
     const CElement* m_shared = nullptr;
     const COrderedSet<CString>* m_resources = nullptr;
+    std::string m_missing;
 };
 
 }  // namespace brt

@@ -17,4 +17,11 @@ std::string CDiagnostics::lines() const {
     return text;
 }
 
+std::string CDiagnostics::missingLine() const {
+    if (m_missing.empty()) return {};
+    std::string text = m_source.name() + ": note: not among the resources, but nothing needs them yet:";
+    for (const std::string& name : m_missing) text += " " + name;
+    return text + "\n";
+}
+
 }  // namespace brt

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "Core/CString.h"
 #include "Tools/Docc/CSourceText.h"
 
 namespace brt {
@@ -17,8 +18,13 @@ public:
 
     void error(std::size_t place, std::string message) { m_errors.push_back({place, std::move(message)}); }
 
+    // Named where nothing uses it yet; no error.
+    void missing(CStringView resource) { m_missing.push_back(CString(resource).toUtf8()); }
+
     bool hasErrors() const noexcept { return !m_errors.empty(); }
     std::string lines() const;
+    // One line on all that is missing; empty for nothing.
+    std::string missingLine() const;
 
 private:
     struct Error {
@@ -28,6 +34,7 @@ private:
 
     const CSourceText& m_source;
     std::vector<Error> m_errors;
+    std::vector<std::string> m_missing;
 };
 
 }  // namespace brt

@@ -58,10 +58,20 @@ void CDocumentCheck::checkAttributes(const CElement& element, const CClassInfo& 
             m_diagnostics.error(attribute.namePlace, "'full-name' is made by the tree; give the element a name");
         } else if (const CAttrInfo* const row = info.findAttribute(attribute.name)) {
             checkAttribute(element, attribute, *row);
-        } else if (!info.isAnyAttributeAccepted() && !namesAttribute(element, info, attribute.name)) {
+        } else if (info.isAnyAttributeAccepted()) {
+            noteResource(attribute);
+        } else if (!namesAttribute(element, info, attribute.name)) {
             reportUnknownAttribute(element, attribute, info);
         }
     }
+}
+
+// Objects without a class of their own keep names of resources for those who will use them: "file", where the name
+// may stand behind a "|".
+void CDocumentCheck::noteResource(const ElementAttribute& attribute) {
+    if (m_resources == nullptr || !(attribute.name == CStringView("file")) || hasReference(attribute.value)) return;
+    const CString name(attribute.value.view().slice(attribute.value.find(u'|') + 1));
+    if (!m_resources->contains(name)) m_diagnostics.missing(name);
 }
 
 void CDocumentCheck::checkAttribute(const CElement& element, const ElementAttribute& attribute, const CAttrInfo& row) {

@@ -24,6 +24,7 @@ public:
 private:
     void checkName(const CElement& element, const CClassInfo& info);
     void checkAttributes(const CElement& element, const CClassInfo& info);
+    void noteResource(const ElementAttribute& attribute);
     void checkAttribute(const CElement& element, const ElementAttribute& attribute, const CAttrInfo& row);
     void checkRequired(const CElement& element, const CClassInfo& info);
     void reportUnknownTag(const CElement& element);

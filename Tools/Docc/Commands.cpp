@@ -44,6 +44,7 @@ int runCompile(const CompileRequest& request, std::span<const std::span<const CC
         std::fputs(diagnostics.lines().c_str(), stderr);
         return 1;
     }
+    std::fputs(diagnostics.missingLine().c_str(), stderr);
     writeFile(request.output, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     return 0;
 }
