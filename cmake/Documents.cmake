@@ -26,6 +26,20 @@ function(brt_document source)
         VERBATIM)
 endfunction()
 
+# brt_presets(FILE.presets OUTPUT SHARED FILE.bin)
+# Compiles the text of presets to OUTPUT in the build folder. SHARED: the compiled document with the definitions.
+function(brt_presets source output)
+    cmake_parse_arguments(PARSE_ARGV 2 arg "" "SHARED" "")
+    file(RELATIVE_PATH shown ${CMAKE_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR}/${source})
+    add_custom_command(
+        OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${output}
+        COMMAND docc presets ${shown} -o ${CMAKE_CURRENT_BINARY_DIR}/${output} --shared ${arg_SHARED}
+        DEPENDS docc ${CMAKE_CURRENT_SOURCE_DIR}/${source} ${arg_SHARED}
+        WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}
+        COMMENT "Compiling presets ${source}"
+        VERBATIM)
+endfunction()
+
 # brt_resources(TARGET SYMBOL name=file...)
 # A library with a table of files, an array of CResourceRow called SYMBOL. Files without a folder are the build's. The
 # list stands in the build folder as TARGET.txt.

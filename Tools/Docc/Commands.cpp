@@ -4,10 +4,12 @@
 #include <cstdio>
 #include <stdexcept>
 
+#include "Core/CApplication.h"
 #include "Tools/Docc/CompiledDocument.h"
 #include "Tools/Docc/Compiler.h"
 #include "Tools/Docc/DocumentText.h"
 #include "Tools/Docc/Files.h"
+#include "Tools/Docc/PresetCompiler.h"
 #include "Tools/Docc/ResourceTable.h"
 
 namespace brt {
@@ -30,6 +32,16 @@ std::unique_ptr<COrderedSet<CString>> resourceNames(const std::string& list) {
     return names;
 }
 
+int finish(const std::string& output, const std::vector<std::uint8_t>& bytes, const CDiagnostics& diagnostics) {
+    if (diagnostics.hasErrors()) {
+        std::fputs(diagnostics.lines().c_str(), stderr);
+        return 1;
+    }
+    std::fputs(diagnostics.missingLine().c_str(), stderr);
+    writeFile(output, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    return 0;
+}
+
 }  // namespace
 
 int runCompile(const CompileRequest& request, std::span<const std::span<const CCreatorRow>> tables) {
@@ -40,13 +52,7 @@ int runCompile(const CompileRequest& request, std::span<const std::span<const CC
         request.sharedDocument.empty() ? nullptr : loadCompiled(request.sharedDocument);
     const auto resources = resourceNames(request.resourceList);
     const std::vector<std::uint8_t> bytes = compileText(source, {tables, shared.get(), resources.get()}, diagnostics);
-    if (diagnostics.hasErrors()) {
-        std::fputs(diagnostics.lines().c_str(), stderr);
-        return 1;
-    }
-    std::fputs(diagnostics.missingLine().c_str(), stderr);
-    writeFile(request.output, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-    return 0;
+    return finish(request.output, bytes, diagnostics);
 }
 
 int runDump(const std::string& input) {
@@ -62,6 +68,17 @@ int runResources(const ResourcesRequest& request) {
     for (const auto& [name, file] : list) refuseToReplace(request.output, {file});
     writeFile(request.output, resourceAssembler(list, request.symbol));
     return 0;
+}
+
+int runPresets(const PresetsRequest& request) {
+    refuseToReplace(request.output, {request.input, request.sharedDocument});
+    const CSourceText source(request.input, readFile(request.input));
+    const CObject* const shared = CApplication::sharedObject();
+    if (shared == nullptr)
+        throw std::runtime_error("no definitions can be read from '" + request.sharedDocument + "'; see above");
+    CDiagnostics diagnostics(source);
+    const std::vector<std::uint8_t> bytes = compilePresets(source, *shared, diagnostics);
+    return finish(request.output, bytes, diagnostics);
 }
 
 }  // namespace brt

@@ -30,4 +30,13 @@ struct ResourcesRequest {
 };
 int runResources(const ResourcesRequest& request);
 
+struct PresetsRequest {
+    std::string input;
+    std::string output;
+    std::string sharedDocument;  // compiled
+};
+// All that is wrong with the text goes to standard error; then the status is 1 and nothing is written.
+// REQUIRES: the application is started with the shared document.
+int runPresets(const PresetsRequest& request);
+
 }  // namespace brt

@@ -9,6 +9,7 @@
 #include "Core/CApplication.h"
 #include "Core/CProcess.h"
 #include "Documents/ProductTags.h"
+#include "Platform/PathText.h"
 #include "Tools/Docc/Commands.h"
 
 namespace {
@@ -56,6 +57,19 @@ int run(int argumentCount, char** arguments) {
         ->type_name("NAME");
     resourcesCommand.footer("Example:\n  docc resources resources.txt -o Resources.S");
 
+    brt::PresetsRequest presets;
+    CLI::App& presetsCommand = *app.add_subcommand("presets", "Compile the text of presets");
+    presetsCommand.add_option("input", presets.input, "The text")->required()->type_name("FILE");
+    presetsCommand.add_option("-o,--output", presets.output, "A bank file, or a list of banks for the settings")
+        ->required()
+        ->type_name("FILE");
+    presetsCommand.add_option("--shared", presets.sharedDocument, "The compiled shared document, with the definitions")
+        ->required()
+        ->type_name("FILE");
+    presetsCommand.footer(
+        "Tools/Docc/PresetText.h shows the form of the text.\n\n"
+        "Example:\n  docc presets Factory.presets -o FactoryROM.cbf --shared SharedData.bin");
+
     try {
         app.parse(argumentCount, arguments);
         if (app.get_subcommands().empty() && dumped.empty()) throw CLI::CallForHelp();
@@ -68,6 +82,11 @@ int run(int argumentCount, char** arguments) {
         // Paths are followed in trees of plain objects; the classes themselves stay out of the application.
         brt::CApplication::start({{}, nullptr, ""});
         return brt::runCompile(compile, brt::productTags());
+    }
+    if (presetsCommand.parsed()) {
+        const brt::CString shared = brt::CString::fromPath(brt::pathFromSystem(presets.sharedDocument));
+        brt::CApplication::start({brt::productTags(), nullptr, shared});
+        return brt::runPresets(presets);
     }
     return resourcesCommand.parsed() ? brt::runResources(resources) : brt::runDump(dumped);
 }
