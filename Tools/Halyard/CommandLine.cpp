@@ -187,11 +187,86 @@ Examples:
   halyard params outgain -- -6 -0.5)");
 }
 
+struct PresetRequests {
+    PresetListRequest list;
+    PresetShowRequest show;
+    PresetConvertRequest convert;
+    PresetDiffRequest diff;
+};
+
+void addPresetList(CLI::App& preset, PresetListRequest& request) {
+    CLI::App& command = *preset.add_subcommand("list", "Name the presets of files");
+    command.add_option("files", request.files, "Files (FactoryROM.cbf, the program's own bank)")->type_name("FILE");
+    command.add_flag("--json", request.asJson, "Print JSON");
+    command.footer("Examples:\n  halyard preset list\n  halyard preset list AppDataGlobal_routing-presets-sys");
+}
+
+void addPresetShow(CLI::App& preset, PresetShowRequest& request) {
+    CLI::App& command = *preset.add_subcommand("show", "Print the values of presets");
+    command.add_option("file", request.file, "The file")->required()->type_name("FILE");
+    command.add_option("preset", request.preset, "A preset's name, or its index (all)")->type_name("PRESET");
+    command.add_flag("--json", request.asJson, "Print JSON");
+    command.footer("Examples:\n  halyard preset show FactoryROM.cbf '+3dB Hard-Clip'\n  halyard preset show my.fxp");
+}
+
+void addPresetConvert(CLI::App& preset, PresetConvertRequest& request) {
+    CLI::App& command = *preset.add_subcommand("convert", "Write presets in another form");
+    command.add_option("input", request.input, "The file")->required()->type_name("FILE");
+    command.add_option("output", request.output, "The new file: .cpf, .cbf, .chunk, .fxp or .fxb")
+        ->required()
+        ->type_name("FILE");
+    command.add_option("--preset", request.preset, "One preset, by its name or its index (all)")->type_name("PRESET");
+    addForce(command, request.mayReplace);
+    command.footer(
+        "Examples:\n  halyard preset convert FactoryROM.cbf soft.cpf --preset '+5dB Soft-Clip'\n"
+        "  halyard preset convert soft.cpf soft.fxp");
+}
+
+void addPresetDiff(CLI::App& preset, PresetDiffRequest& request) {
+    CLI::App& command = *preset.add_subcommand("diff", "Tell what differs between presets");
+    command.add_option("first", request.first, "A file")->required()->type_name("FILE");
+    command.add_option("second", request.second, "The one to hold against it")->required()->type_name("FILE");
+    command.add_option("--preset", request.firstPreset, "A preset of the first, and of the second too")
+        ->type_name("PRESET");
+    command.add_option("--other", request.secondPreset, "Another preset of the second")->type_name("PRESET");
+    command.add_flag("--json", request.asJson, "Print JSON");
+    command.footer(
+        R"(Without names, presets of one name are held against each other, and two files of one preset each as they are.
+The exit status is 1 if there is a difference, and 2 if something can't be compared.
+
+Examples:
+  halyard preset diff old.cbf new.cbf
+  halyard preset diff FactoryROM.cbf FactoryROM.cbf --preset 1 --other 2)");
+}
+
+void addPreset(CLI::App& app, PresetRequests& requests) {
+    CLI::App& command = *app.add_subcommand("preset", "Look into presets and banks, and convert them");
+    command.require_subcommand(1);
+    addPresetList(command, requests.list);
+    addPresetShow(command, requests.show);
+    addPresetConvert(command, requests.convert);
+    addPresetDiff(command, requests.diff);
+    command.footer(
+        R"(A FILE is a preset (.cpf), a bank (.cbf), what a host keeps of an instance (.chunk), a host's own file around that
+(.fxp, .fxb), or a resource of the program by its name. What it is, its content tells.
+
+Example:
+  halyard preset list FactoryROM.cbf)");
+}
+
+Request chosenOf(const PresetRequests& requests, const std::string& command) {
+    if (command == "list") return requests.list;
+    if (command == "show") return requests.show;
+    if (command == "convert") return requests.convert;
+    return requests.diff;
+}
+
 // The library's words for what is wrong with a command's options.
 std::string reasonOf(const CLI::ParseError& error) {
     std::string text = error.what();
     const bool lacksValue = error.get_name() == "ArgumentMismatch" && text.ends_with("missing");
     if (lacksValue) text = text.substr(0, text.find(':')) + ": a value is missing";
+    if (error.get_name() == "RequiredError" && text == "A subcommand is required") text = "say what to do with it";
     for (char& c : text)
         if (static_cast<unsigned char>(c) < 0x20) c = ' ';
     text.erase(text.find_last_not_of(' ') + 1);
@@ -202,12 +277,14 @@ std::string reasonOf(const CLI::ParseError& error) {
 std::string oneLine(const CLI::App& app, const CLI::ParseError& error, const std::string& firstArgument) {
     const auto chosen = app.get_subcommands();
     if (!chosen.empty()) {
-        const std::string command = chosen.front()->get_name();
+        std::string command = chosen.front()->get_name();
+        if (const auto inner = chosen.front()->get_subcommands(); !inner.empty())
+            command += " " + inner.front()->get_name();
         return command + ": " + reasonOf(error) + "; see 'halyard " + command + " --help'";
     }
     const std::string wrong =
         firstArgument.empty() ? "no command is given" : brt::quoted(firstArgument) + " is no command";
-    return wrong + "; use render, plot, measure, demo-signal, tree, graph or params, and see 'halyard --help'";
+    return wrong + "; use render, plot, measure, demo-signal, tree, graph, params or preset, and see 'halyard --help'";
 }
 
 }  // namespace
@@ -220,6 +297,7 @@ Request parseCommandLine(int argumentCount, const char* const* arguments) {
     TreeRequest tree;
     GraphRequest graph;
     ParamsRequest params;
+    PresetRequests presets;
     std::string sampleFormat;
 
     CLI::App app("Halyard: a clipper for mastering that runs at 128 times the sample rate.", "halyard");
@@ -233,6 +311,7 @@ Request parseCommandLine(int argumentCount, const char* const* arguments) {
     addTree(app, tree);
     addGraph(app, graph);
     addParams(app, params);
+    addPreset(app, presets);
     app.footer(R"(Each command explains itself: halyard render --help
 
 Example:
@@ -257,6 +336,8 @@ Example:
     if (command == "tree") return tree;
     if (command == "graph") return graph;
     if (command == "params") return params;
+    if (command == "preset")
+        return chosenOf(presets, app.get_subcommands().front()->get_subcommands().front()->get_name());
     return demoSignal;
 }
 

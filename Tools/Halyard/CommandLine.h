@@ -10,6 +10,7 @@
 #include "Tools/Halyard/MeasureCommand.h"
 #include "Tools/Halyard/ParamsCommand.h"
 #include "Tools/Halyard/PlotCommand.h"
+#include "Tools/Halyard/PresetCommand.h"
 #include "Tools/Halyard/RenderCommand.h"
 #include "Tools/Halyard/TreeCommand.h"
 
@@ -20,8 +21,9 @@ struct TextRequest {
     std::string text;
 };
 
-using Request = std::variant<TextRequest, RenderRequest, PlotRequest, MeasureRequest, DemoSignalRequest, TreeRequest,
-                             GraphRequest, ParamsRequest>;
+using Request =
+    std::variant<TextRequest, RenderRequest, PlotRequest, MeasureRequest, DemoSignalRequest, TreeRequest, GraphRequest,
+                 ParamsRequest, PresetListRequest, PresetShowRequest, PresetConvertRequest, PresetDiffRequest>;
 
 // Throws CUsageError with the one line that tells what is wrong.
 Request parseCommandLine(int argumentCount, const char* const* arguments);

@@ -9,6 +9,7 @@
 #include "Audio/CAudioParamConverter.h"
 #include "Core/CError.h"
 #include "Tools/Halyard/CToolInstance.h"
+#include "Tools/Halyard/Printing.h"
 #include "Tools/Halyard/ToolError.h"
 #include "Tools/NearName.h"
 
@@ -66,24 +67,6 @@ std::string hostText(const CAudioExtParamList& list, const CAudioParam& param) {
         if (&list.params()[index]->param() == &param)
             text += (text.empty() ? "" : ", ") + std::to_string(index) + " " + utf8(list.params()[index]->getName());
     return text;
-}
-
-// Letters, not bytes: units and names may be of any alphabet.
-std::size_t widthOf(const std::string& text) {
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xc0U) != 0x80U; }));
-}
-
-void printTable(const std::vector<Row>& rows) {
-    std::vector<std::size_t> widths(rows[0].size());
-    for (const Row& row : rows)
-        for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], widthOf(row[i]));
-    for (const Row& row : rows) {
-        std::string line;
-        for (std::size_t i = 0; i < row.size(); ++i) line += row[i] + std::string(widths[i] - widthOf(row[i]) + 2, ' ');
-        line.erase(line.find_last_not_of(' ') + 1);
-        std::printf("%s\n", line.c_str());
-    }
 }
 
 // Those with a definition, in the order of their names.

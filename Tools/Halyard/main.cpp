@@ -37,6 +37,10 @@ struct Runner {
     int operator()(const brt::TreeRequest& request) const { return brt::runTree(request); }
     int operator()(const brt::GraphRequest& request) const { return brt::runGraph(request); }
     int operator()(const brt::ParamsRequest& request) const { return brt::runParams(request); }
+    int operator()(const brt::PresetListRequest& request) const { return brt::runPresetList(request); }
+    int operator()(const brt::PresetShowRequest& request) const { return brt::runPresetShow(request); }
+    int operator()(const brt::PresetConvertRequest& request) const { return brt::runPresetConvert(request); }
+    int operator()(const brt::PresetDiffRequest& request) const { return brt::runPresetDiff(request); }
 };
 
 int fail(int status, const char* text) {
