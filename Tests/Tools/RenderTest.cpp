@@ -51,6 +51,37 @@ TEST_F(RenderTest, outputHasTheInputsLengthAndLinesUp) {
         }
 }
 
+TEST_F(RenderTest, aPresetIsWorthItsValues) {
+    write("in.wav", soundOf(quietMusic(6000, 0.9), kDoubleWav));
+    const auto rendered = [&](const std::string& options) {
+        runWell("render in.wav out.wav --force " + options);
+        return read("out.wav").samples;
+    };
+    const auto soft = rendered("--gain 5 --hardness 50 --out-gain -4.3");
+    EXPECT_LT(largestDifference(rendered("--preset '+5dB Soft-Clip'"), soft), 1e-12);
+    EXPECT_LT(largestDifference(rendered("--preset '+5dB Soft-Clip' --hardness 100 --out-gain -1"),
+                                rendered("--gain 5 --out-gain -1")),
+              1e-12)
+        << "what is named beside the preset counts";
+    for (const std::string name : {"a.cpf", "a.fxp"}) {
+        runWell("preset convert FactoryROM.cbf " + name + " --preset '+5dB Soft-Clip'");
+        EXPECT_LT(largestDifference(rendered("--preset " + name), soft), 1e-12);
+    }
+    runWell("preset convert FactoryROM.cbf all.cbf");
+    runWell("preset convert AppDataGlobal_routing-presets-sys swap.cpf --preset 'Stereo Swap'");
+    const std::pair<const char*, const char*> refusals[] = {
+        {"'+5dB Soft'", "'FactoryROM.cbf' has no preset '+5dB Soft'"},
+        {"all.cbf", "'all.cbf' holds 7 presets; make a file of one"},
+        {"swap.cpf", "preset 'BTIO:Stereo Swap' can't be used: "},
+    };
+    for (const auto& [preset, errors] : refusals) {
+        const Outcome outcome = run("render in.wav new.wav --preset " + std::string(preset));
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_THAT(outcome.errors, HasSubstr(errors));
+    }
+    EXPECT_THAT(files(), Not(testing::Contains("new.wav")));
+}
+
 TEST_F(RenderTest, anEmptyFileGivesAnEmptyFile) {
     write("in.wav", soundOf({}, kDoubleWav, 2));
     runWell("render in.wav out.wav --residue-out residue.wav --plot picture.png");

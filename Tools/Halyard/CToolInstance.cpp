@@ -4,10 +4,14 @@
 #include <algorithm>
 #include <array>
 
+#include "Audio/CAudioParamRegistry.h"
+#include "Audio/CAudioPreset.h"
 #include "Audio/CAudioProcessDefBase.h"
 #include "Audio/CAudioVizCollector.h"
 #include "Core/CApplication.h"
 #include "Core/CError.h"
+#include "Core/CMemoryReader.h"
+#include "Core/CWriteSeqBuffer.h"
 #include "Documents/ProductTags.h"
 #include "Documents/Resources.h"
 #include "Modules/CModOutput.h"
@@ -46,6 +50,7 @@ CToolInstance::CToolInstance() {
     succeed(root->createChild(plugin, "plugin", "plugin", kTemplateRequired));
     succeed(root->findObjectChecked(m_collector, "plugin.param-collector"));
     succeed(root->findObjectChecked(m_hostParams, "plugin.ext-param-list"));
+    succeed(root->findObjectChecked(m_registry, "plugin.param-registry"));
     succeed(root->findObjectChecked(m_viz, "plugin.viz-collector"));
     succeed(root->findObjectChecked(main, "shared::audio.modMain"));
     succeed(root->findObjectChecked(output, "shared::audio.modOutput"));
@@ -59,6 +64,19 @@ CToolInstance::CToolInstance() {
 CToolInstance::~CToolInstance() = default;
 
 void CToolInstance::set(CStringView name, double value) { m_collector->getParam(name).setFloat(value, 0, this); }
+
+void CToolInstance::activate(const CAudioPreset& preset) {
+    CWriteSeqBuffer chain(CWriteSeqBuffer::kStateBlockBytes);
+    CByteBuffer bytes;
+    CError* error = preset.save(chain);
+    chain.moveTo(bytes);
+    CMemoryReader stream(bytes.data(), bytes.size());
+    if (error == nullptr) error = m_registry->activatePreset(stream, false, CAudioParam::kAllGroups);
+    if (error == nullptr) return;
+    const std::string message = error->message().toUtf8();
+    discardError(error);  // told by the exception
+    throw CToolError("preset " + brt::quoted(preset.name().toUtf8()) + " can't be used: " + message);
+}
 
 void CToolInstance::watch(CStringView path) { m_viz->addListener(m_viz->getSlot(path)); }
 void CToolInstance::unwatch(CStringView path) { m_viz->removeListener(m_viz->getSlot(path)); }

@@ -12,6 +12,9 @@
 
 namespace brt {
 
+class CAudioParamRegistry;
+class CAudioPreset;
+
 // Makes what all instances share, unless it is there. Throws CToolError if it can't be.
 void startApplication();
 
@@ -27,6 +30,10 @@ public:
     void setLayout(int channelCount, double sampleRate, int groupSize = kAudioChannelLimit);
     // A value of channel group 0 by its full name, in the module's own terms.
     void set(CStringView name, double value);
+    double get(CStringView name) const { return m_collector->getParam(name).getFloat(0, 0, 0.0); }
+    // Takes the values of a preset of the product, for all channel groups; what belongs to a session stays. Throws
+    // CToolError.
+    void activate(const CAudioPreset& preset);
     // Has somebody watch the process of that path, so that it measures.
     void watch(CStringView path);
     void unwatch(CStringView path);
@@ -52,6 +59,7 @@ private:
     CAudioParamCollector* m_collector = nullptr;
     CAudioVizCollector* m_viz = nullptr;
     CAudioExtParamList* m_hostParams = nullptr;
+    CAudioParamRegistry* m_registry = nullptr;
     std::unique_ptr<CAudioGraph> m_graph;
     int m_channelCount = 0;
     double m_sampleRate = 0.0;

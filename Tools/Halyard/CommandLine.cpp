@@ -51,7 +51,9 @@ CLI::Validator oneOf(const std::vector<std::string>& names) {
     return CLI::Validator(check, "");
 }
 
-void addSettings(CLI::App& command, ProcessorSettings& settings) {
+// `Settings`: plain numbers, or optional ones where something else may give them.
+template <class Settings>
+void addSettings(CLI::App& command, Settings& settings) {
     command.add_option("--gain", settings.inputGainDb, "Gain in front of the clipper, 0 to 24 dB (0)")
         ->check(numberBetween(0, ProcessorSettings::kMaxInputGainDb, "dB"))
         ->type_name("DB");
@@ -72,7 +74,11 @@ void addForce(CLI::App& command, T& mayReplace) {
 void addRender(CLI::App& app, RenderRequest& request, std::string& sampleFormat) {
     CLI::App& command = *app.add_subcommand("render", "Send sound files through the clipper");
     command.add_option("files", request.files, "The input and the output; with --out-dir inputs only")->type_name("");
-    addSettings(command, request.common.settings);
+    command
+        .add_option("--preset", request.preset,
+                    "Begin with the values of a preset: one of the program's by its name, or a file")
+        ->type_name("NAME|FILE");
+    addSettings(command, request.given);
     command.add_option("--format", sampleFormat, "8, 16, 24, 32, float or double (that of the input)")
         ->check(oneOf(sampleFormatNames()))
         ->type_name("FORMAT");
@@ -96,12 +102,14 @@ void addRender(CLI::App& app, RenderRequest& request, std::string& sampleFormat)
         R"(The output lines up with the input and has its length. Its name's ending chooses the file type: .wav, .flac, .aiff,
 .caf, .w64 or .rf64. Integer samples (8, 16, 24, 32) are rounded without dither, and cut above full scale; the summary
 tells how many. Output less residue is the unclipped sound; the residue is written as 32-bit float, or 64-bit if the
-output is, since it can stand above full scale. The size of --block changes the speed and never the sound.
+output is, since it can stand above full scale. Of a preset, gains, hardness and residue count; they give way to those that
+are named beside it. The size of --block changes the speed and never the sound.
 
 Examples:
   halyard render mix.wav loud.wav --gain 6 --out-gain -1
   halyard render mix.wav soft.flac --gain 9 --hardness 40 --format 24 --plot soft.png
-  halyard render *.wav --out-dir clipped --gain 3)");
+  halyard render *.wav --out-dir clipped --gain 3
+  halyard render mix.wav soft.wav --preset '+3dB Soft-Clip')");
 }
 
 void addPlot(CLI::App& app, PlotRequest& request) {

@@ -15,6 +15,7 @@
 #include "Tools/Halyard/CProgressBar.h"
 #include "Tools/Halyard/CSoundReader.h"
 #include "Tools/Halyard/Interrupt.h"
+#include "Tools/Halyard/RenderPreset.h"
 #include "Tools/Halyard/SignalPicture.h"
 #include "Tools/Halyard/SummaryText.h"
 #include "Tools/Halyard/ToolError.h"
@@ -25,9 +26,21 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// The request with the settings that it asks for.
+RenderRequest withSettings(const RenderRequest& request) {
+    RenderRequest result = request;
+    ProcessorSettings& settings = result.common.settings;
+    if (!request.preset.empty()) usePreset(settings, request.preset);
+    settings.inputGainDb = request.given.inputGainDb.value_or(settings.inputGainDb);
+    settings.hardnessPercent = request.given.hardnessPercent.value_or(settings.hardnessPercent);
+    settings.outputGainDb = request.given.outputGainDb.value_or(settings.outputGainDb);
+    settings.residue = settings.residue || request.given.residue;
+    return result;
+}
+
 std::vector<RenderJob> jobsOf(const RenderRequest& request) {
     if (request.common.settings.residue && request.common.residueOutput)
-        throw CUsageError("render: with --residue the output is the residue; leave out that or --residue-out");
+        throw CUsageError("render: the output is the residue already; leave out --residue, or --residue-out");
     std::vector<RenderJob> jobs;
     if (!request.outputFolder) {
         if (request.files.size() != 2)
@@ -146,7 +159,7 @@ private:
 }  // namespace
 
 int runRender(const RenderRequest& request) {
-    std::vector<RenderJob> jobs = jobsOf(request);
+    std::vector<RenderJob> jobs = jobsOf(withSettings(request));
     checkPaths(jobs);
     if (jobs.size() == 1) {
         RenderSummary summary;
