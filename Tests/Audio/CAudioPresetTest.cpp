@@ -124,7 +124,8 @@ TEST_F(StoredPresets, eachChangedByteOfAFileIsRefusedOrLeavesAWholeBank) {
         Bytes damaged = file;
         damaged[place] ^= 0x55;
         CAudioPresetBank other;
-        if (unpacks(other, damaged)) EXPECT_EQ(saved(other), saved(m_bank)) << place;
+        if (!unpacks(other, damaged)) continue;
+        EXPECT_EQ(saved(other), saved(m_bank)) << place;
     }
 }
 
