@@ -118,8 +118,10 @@ void CAudioParamRegistry::nameProgram(int index, CStringView fullName, const voi
     notifyLater(source);
 }
 
-// What is shown and what the program is called.
+// What is shown and what the program is called: together, so that a name that comes meanwhile becomes both.
 void CAudioParamRegistry::setPresetName(CStringView presetName, int group, CAudioParamUndoData* undo) {
+    std::optional<CRankedLock> lock;
+    if (m_presetNameParam != nullptr) lock.emplace(m_presetNameParam->section());
     if (m_isMaster) nameProgram(kCurrent, presetName, this);
     if (m_presetNameParam == nullptr) return;
     CString id;

@@ -72,7 +72,7 @@ public:
     [[nodiscard]] CError* activateBank(CInputStream& stream, bool includePersistent);
     // All parameters that presets hold go back to what a reset means.
     void masterReset();
-    // What a reset means from now on. A preset that can't be read is ignored.
+    // What a reset means from now on. A preset that can't be read changes nothing.
     void setDefaultPreset(CInputStream& stream);
 
     // Saving. `index` and `isFactory` are for masters; `group` is for the others, -1 for all.
@@ -129,7 +129,8 @@ private:
     // Applying a preset: first reading, which changes nothing, then writing.
     [[nodiscard]] CError* readPreset(CPresetPlan& plan, const CAudioPreset& preset, bool includePersistent)
         BRT_REQUIRES(m_paramsSection);
-    void findRest(CPresetPlan& plan, const CAudioPreset& preset, bool includePersistent) BRT_REQUIRES(m_paramsSection);
+    void findRest(CPresetPlan& plan, const CAudioPreset& preset, int group, bool includePersistent)
+        BRT_REQUIRES(m_paramsSection);
     void makeParams(CPresetPlan& plan) BRT_REQUIRES(m_paramsSection);
     void writePreset(CPresetPlan& plan, const CPresetPlace& place, CAudioParamUndoData* undo)
         BRT_REQUIRES(m_paramsSection);

@@ -21,6 +21,9 @@ CError* readBlock(CAudioParamBlock& block, const CByteBuffer& bytes, const CAudi
                      reader.getBytesLeft());
 }
 
+// What filters write comes behind what they follow: the preset has the last word.
+constexpr ELockRank kWriteOrder[] = {ELockRank::kParam, ELockRank::kDependentParam};
+
 CAudioParamLocks lockAll(const CSmallArray<CAudioParam*>& params) {
     return CAudioParamLocks({params.begin(), static_cast<std::size_t>(params.count())});
 }
@@ -51,10 +54,12 @@ CError* CAudioParamRegistry::readPreset(CPresetPlan& plan, const CAudioPreset& p
     return failure;
 }
 
-void CAudioParamRegistry::findRest(CPresetPlan& plan, const CAudioPreset& preset, bool includePersistent) {
+void CAudioParamRegistry::findRest(CPresetPlan& plan, const CAudioPreset& preset, int group, bool includePersistent) {
     for (const auto& [key, param] : m_params) {
         const CAudioParamInfo* const info = preset.entries().contains(key) ? nullptr : findInfo(*param);
         if (!isStored(info, includePersistent)) continue;
+        // What all groups share stands in presets of the first one alone.
+        if (group > 0 && info->format.isSingleGroup) continue;
         CPresetRest& rest = *plan.rest.append(new CPresetRest);
         rest.param = param;
         rest.info = info;
@@ -95,14 +100,19 @@ void CAudioParamRegistry::writeLocked(const CPresetPlan& plan, const CPresetPlac
                                       const CAudioParamChangeContext& context) {
     CAudioParamChangeContext attaching = context;
     attaching.undo = nullptr;
-    for (const CPresetWrite* const write : plan.writes) {
-        if (write->param->info() == nullptr) write->param->setInfo(*write->info, attaching);
-        write->param->loadBlock(write->block, place.toDefaults, context, place.group, place.element,
-                                place.isLastElement);
-    }
-    for (const CPresetRest* const rest : plan.rest) {
-        if (rest->param->info() == nullptr) rest->param->setInfo(*rest->info, attaching);
-        rest->param->resetToDefinition(place.group, place.element, place.isLastElement, context);
+    for (const ELockRank rank : kWriteOrder) {
+        for (const CPresetWrite* const write : plan.writes) {
+            CAudioParam& param = *write->param;
+            if (param.section().rank() != rank) continue;
+            if (param.info() == nullptr) param.setInfo(*write->info, attaching);
+            param.loadBlock(write->block, place.toDefaults, context, place.group, place.element, place.isLastElement);
+        }
+        for (const CPresetRest* const rest : plan.rest) {
+            CAudioParam& param = *rest->param;
+            if (param.section().rank() != rank) continue;
+            if (param.info() == nullptr) param.setInfo(*rest->info, attaching);
+            param.resetToDefinition(place.group, place.element, place.isLastElement, context);
+        }
     }
     if (m_routingProvider != nullptr) m_routingProvider->updateRouting(context);
 }
@@ -112,7 +122,7 @@ CError* CAudioParamRegistry::applyPreset(const CAudioPreset& preset, const CPres
     const CRankedLock lock(m_paramsSection);
     CPresetPlan plan;
     BRT_TRY(preset.name(), readPreset(plan, preset, includePersistent));
-    if (!place.toDefaults) findRest(plan, preset, includePersistent);
+    if (!place.toDefaults) findRest(plan, preset, place.group, includePersistent);
     writePreset(plan, place, undo);
     return nullptr;
 }
@@ -124,7 +134,7 @@ void CAudioParamRegistry::applyOwnPreset(const CAudioPreset& preset, const CPres
     CError* const error = readPreset(plan, preset, includePersistent);
     logError(error);
     discardError(error);  // logged; what could be read is applied
-    if (!place.toDefaults) findRest(plan, preset, includePersistent);
+    if (!place.toDefaults) findRest(plan, preset, place.group, includePersistent);
     writePreset(plan, place, undo);
 }
 
@@ -182,8 +192,10 @@ void CAudioParamRegistry::masterReset() {
         const CAudioParamLocks locks = lockAll(params);
         CAudioParamQueue batch;
         const CAudioParamChangeContext context{.undo = record.get(), .batch = &batch};
-        for (int i = 0; i < resetCount; ++i)
-            params[i]->resetToDefault(CAudioParam::kAllGroups, CAudioParam::kAllElements, context);
+        for (const ELockRank rank : kWriteOrder)
+            for (int i = 0; i < resetCount; ++i)
+                if (params[i]->section().rank() == rank)
+                    params[i]->resetToDefault(CAudioParam::kAllGroups, CAudioParam::kAllElements, context);
         if (m_routingProvider != nullptr) m_routingProvider->updateRouting(context);
         m_collector->handOver(batch);
     }
@@ -195,7 +207,9 @@ void CAudioParamRegistry::setDefaultPreset(CInputStream& stream) {
     CAudioPreset preset;
     if (discardError(preset.load(stream))) return;  // what a reset means stays
     const CRankedLock lock(m_programSection);
-    applyOwnPreset(preset, {.toDefaults = true}, false, nullptr);
+    CError* const error = applyPreset(preset, {.toDefaults = true}, false, nullptr);
+    logError(error);
+    discardError(error);  // logged: what a reset means stays
 }
 
 }  // namespace brt

@@ -50,11 +50,14 @@ void CAudioParamUndoRecord::apply(CAudioParamCollector& collector, CSide side) c
     const CAudioParamLocks locks({params.begin(), static_cast<std::size_t>(params.count())});
     CAudioParamQueue batch;
     const CAudioParamChangeContext context{.batch = &batch, .source = this};
-    int index = 0;
-    for (const auto& [name, entry] : m_entries) {
-        for (const CAudioParamUndoGroup* const group : entry.groups)
-            params[index]->update((group->*side).update(), context);
-        ++index;
+    // What filters write comes behind what they follow: the record has the last word.
+    for (const ELockRank rank : {ELockRank::kParam, ELockRank::kDependentParam}) {
+        int index = 0;
+        for (const auto& [name, entry] : m_entries) {
+            CAudioParam& param = *params[index++];
+            if (param.section().rank() != rank) continue;
+            for (const CAudioParamUndoGroup* const group : entry.groups) param.update((group->*side).update(), context);
+        }
     }
     collector.handOver(batch);
 }

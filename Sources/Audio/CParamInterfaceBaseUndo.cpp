@@ -43,15 +43,16 @@ void CParamInterfaceBase::beginEdits(COpenRecord& open, CAudioParam& param, cons
 void CParamInterfaceBase::beginResetEdits(COpenRecord& open, CAudioParam& param, int group, int element) {
     const CAudioParamStorage& control = param.control();
     const CAudioParamStorage& values = param.resetValues();
+    const int groupCount = std::max(control.groupCount(), values.groupCount());
     const bool isAllGroups = group == CAudioParam::kAllGroups;
-    const int groupEnd = isAllGroups ? std::max(control.groupCount(), values.groupCount()) : group + 1;
-    for (int g = isAllGroups ? 0 : group; g < groupEnd; ++g) {
+    const bool isWhole = isAllGroups || element == CAudioParam::kAllElements;
+    const int first = isAllGroups ? 0 : control.format().isSingleGroup ? 0 : group;
+    for (int g = first; g < (isAllGroups ? groupCount : std::min(first + 1, groupCount)); ++g) {
         CAudioParamUpdate written;
         written.format = control.format();
         written.group = g;
-        written.firstElement = std::max(element, 0);
-        written.elementCount =
-            element == CAudioParam::kAllElements ? std::max(control.elementCount(g), values.elementCount(g)) : 1;
+        written.firstElement = isWhole ? 0 : element;
+        written.elementCount = isWhole ? std::max(control.elementCount(g), values.elementCount(g)) : 1;
         beginEdits(open, param, written);
     }
 }

@@ -98,8 +98,10 @@ protected:
         m_base = make<CAudioInterfaceBase>("audio:interface-base", "interface-base",
                                            {{"param-collector", "^param-collector"},
                                             {"viz-collector", "^viz-collector"},
-                                            {"base-connector", "^connector"}});
+                                            {"base-connector", "^connector"},
+                                            {"undo-count-max", undoCountMax()}});
     }
+    virtual const char* undoCountMax() const { return "4"; }
 
     void writeDefinitions(CDocumentWriter& writer) override {
         put(writer, "audio:cvt-real", "real", {});
