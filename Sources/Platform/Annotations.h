@@ -27,6 +27,9 @@
 #define BRT_REALTIME
 #endif
 
+// Seen outside of the module that it stands in.
+#define BRT_EXPORT __attribute__((visibility("default")))
+
 // The function reads what another thread may write at the same time, on purpose; a comment beside it says why that is
 // harmless. Where the race detector runs it is not inlined, or it would be looked at as a part of its caller.
 #if defined(__has_feature)

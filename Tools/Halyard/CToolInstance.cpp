@@ -12,10 +12,8 @@
 #include "Core/CError.h"
 #include "Core/CMemoryReader.h"
 #include "Core/CWriteSeqBuffer.h"
-#include "Documents/ProductTags.h"
-#include "Documents/Resources.h"
+#include "Documents/Product.h"
 #include "Modules/CModOutput.h"
-#include "Platform/CCriticalSection.h"
 #include "Tools/Halyard/ToolError.h"
 
 namespace brt {
@@ -30,12 +28,8 @@ void succeed(CError* error) {
 
 }  // namespace
 
-// Several jobs may ask at once; the shared tree can be seen while it is still being built.
 void startApplication() {
-    static constinit CCriticalSection s_lock;
-    const CLock lock(s_lock);
-    if (CApplication::sharedObject() == nullptr) CApplication::start({productTags(), kHalyardResources});
-    if (CApplication::sharedObject() == nullptr)
+    if (!startProduct())
         throw CToolError("the shared document of this program can't be loaded; see above");
 }
 
