@@ -22,7 +22,6 @@ TEST_F(EffectTest, hostsOfEachVersionGetTheRecordThatTheyExpect) {
         EXPECT_EQ(effect.flags, 0x1030);
         EXPECT_EQ(effect.version, 1);
         EXPECT_EQ(effect.numPrograms, host.instance().registry().getProgramCount());
-        EXPECT_GE(effect.numPrograms, 1);
         EXPECT_EQ(effect.numParams, kHostParamCount);
         EXPECT_EQ(effect.numInputs, 2);
         EXPECT_EQ(effect.numOutputs, 2);
@@ -162,6 +161,13 @@ TEST_F(EffectTest, programsCanBeNamed) {
     VstHost host;
     ASSERT_TRUE(host.open());
     EXPECT_EQ(host.call(effGetProgram), 0);
+    const std::int32_t last = host.effect().numPrograms - 1;
+    EXPECT_EQ(host.call(effSetProgram, 0, last + 1), 0);
+    EXPECT_EQ(host.call(effGetProgram), 0);
+    EXPECT_EQ(host.call(effSetProgram, 0, last), 0);
+    EXPECT_EQ(host.call(effGetProgram), last);
+    EXPECT_EQ(host.programName(), host.textOf(effGetProgramNameIndexed, 24, last, -1));
+    host.call(effSetProgram, 0, 0);
     host.setProgramName("Loud: very");
     EXPECT_EQ(host.programName(), "Loud: very");
     EXPECT_EQ(host.textOf(effGetProgramNameIndexed, 24, 0, -1), "Loud: very");
