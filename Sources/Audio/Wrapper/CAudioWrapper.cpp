@@ -108,7 +108,7 @@ void CAudioWrapper::findParams() {
     m_windowSize.attach(windowSize, m_product);
     updateWindowSize();
     if (m_product.usesWindowResizing) m_windowSizeListener.attach(m_collector, CUpdateFilter(&windowSize));
-    m_routing.attach(*m_collector, kMainPath);
+    m_routing.attach(*m_collector, kMainPath, *this);
     m_routing.setInternalChannelCount(m_internalChannelCount);
     m_routing.setHostChannelCount(m_internalChannelCount);
 }
@@ -154,6 +154,7 @@ void CAudioWrapper::initConnections() {
     m_programListener = std::make_unique<CProgramChangeListener>(*this);
     m_programListener->attach(m_registry);
     m_collector->start();
+    m_graph->warmUp();
     activate();
     deactivate();
     m_routing.updateChannelCounts();
@@ -202,6 +203,11 @@ void CAudioWrapper::setHostChannels(int channelCount, const CStringList& names) 
 
 void CAudioWrapper::updateDefaultRouting(bool isForced) {
     if (m_product.usesRouting) m_routing.update(isForced);
+}
+
+void CAudioWrapper::onRoutingChanged() {
+    m_routing.updateChannelCounts();
+    if (m_graph) m_graph->makeSpares();
 }
 
 void CAudioWrapper::importChannelLabels() {

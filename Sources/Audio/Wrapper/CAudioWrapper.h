@@ -28,7 +28,10 @@ namespace brt {
 // What a state holds: all programs, or the current one.
 enum class EStateKind : std::uint8_t { kBank, kPreset };
 
-class CAudioWrapper : public CAudioExtParamHostBridge, public CAudioInterfaceDataProvider, private CHostEventHandler {
+class CAudioWrapper : public CAudioExtParamHostBridge,
+                      public CAudioInterfaceDataProvider,
+                      private CHostEventHandler,
+                      private CRoutingWatcher {
 public:
     static constexpr int kStatePrefixBytes = 16;  // zeros ahead of a state, where a host wants them
 
@@ -143,7 +146,9 @@ private:
 
     CAudioParam& mainParam(CStringView name) const;
     void setLayout(const CHostLayout& layout, bool isInBlock);
-    void tellClients();
+    // What blocks leave to others: windows are told, and what the audio thread has taken is made anew.
+    void catchUp();
+    void onRoutingChanged() override;
     // Null for a value that the host doesn't know.
     const int* findExtIndex(CAudioParam& param, int element, int group) const;
     void runSyncPass();

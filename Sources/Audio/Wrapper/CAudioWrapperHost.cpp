@@ -32,7 +32,7 @@ void CAudioWrapper::process(const void* const* inputs, void* const* outputs, int
 
 void CAudioWrapper::runSyncPass() {
     const int latencyBefore = latencySamples();
-    tellClients();
+    catchUp();
     m_runner->runSyncPass();
     if (latencySamples() != latencyBefore) onLatencyChanged();
 }
@@ -77,12 +77,13 @@ void CAudioWrapper::setLatencyReported() {
 
 void CAudioWrapper::setLayout(const CHostLayout& layout, bool isInBlock) {
     m_runner->setLayout(layout);
-    if (!isInBlock) tellClients();
+    if (!isInBlock) catchUp();
 }
 
-void CAudioWrapper::tellClients() {
+void CAudioWrapper::catchUp() {
     if (m_isRateUntold.exchange(false, std::memory_order_acq_rel)) m_interfaceBase->sendSampleRate();
     if (m_isLayoutUntold.exchange(false, std::memory_order_acq_rel)) m_interfaceBase->sendIoChannelCounts();
+    m_graph->makeSpares();
 }
 
 void CAudioWrapper::setEnvSampleRate(double sampleRateHz, bool isInBlock) {
@@ -153,7 +154,7 @@ CError* CAudioWrapper::getState(CByteBuffer& state, EStateKind kind, bool withPr
     if (withPrefix) BRT_TRY("", stream.write(kPrefix, kStatePrefixBytes));
     BRT_TRY("", stream.writeCompressedData(plain, tagOf(kind)));
     stream.moveTo(state);
-    tellClients();
+    catchUp();
     return nullptr;
 }
 
@@ -168,7 +169,7 @@ CError* CAudioWrapper::setState(const void* bytes, int size, EStateKind kind, bo
         BRT_TRY("", m_registry->activateBank(content, true));
     else
         BRT_TRY("", m_registry->activatePreset(content, true, CAudioParam::kAllGroups));
-    tellClients();
+    catchUp();
     return nullptr;
 }
 

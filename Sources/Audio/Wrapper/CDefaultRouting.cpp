@@ -71,12 +71,12 @@ CString groupName(int group, int channelCount) {
 }  // namespace
 
 // Runs once the thread that changed the routing holds no lock.
-class CDefaultRouting::CCountCall final : public CDeferredCall {
+class CDefaultRouting::CNewsCall final : public CDeferredCall {
 public:
-    explicit CCountCall(CDefaultRouting& routing) noexcept : m_routing(routing) {}
-    void run() override { m_routing.updateChannelCounts(); }
+    explicit CNewsCall(CDefaultRouting& routing) noexcept : m_routing(routing) {}
+    void run() override { m_routing.m_watcher->onRoutingChanged(); }
     bool absorb(const CDeferredCall& later) override {
-        const auto* const call = dynamic_cast<const CCountCall*>(&later);
+        const auto* const call = dynamic_cast<const CNewsCall*>(&later);
         return call != nullptr && &call->m_routing == &m_routing;
     }
 
@@ -84,8 +84,9 @@ private:
     CDefaultRouting& m_routing;
 };
 
-void CDefaultRouting::attach(CAudioParamCollector& collector, CStringView path) {
+void CDefaultRouting::attach(CAudioParamCollector& collector, CStringView path, CRoutingWatcher& watcher) {
     m_collector = &collector;
+    m_watcher = &watcher;
     const auto param = [&](CStringView name) -> CAudioParam* {
         return &collector.getParam(CString(path).append(".").append(name));
     };
@@ -201,7 +202,7 @@ void CDefaultRouting::writeRouting(const CAudioParamChangeContext& context) {
 // On the thread of the change, under the parameter's lock.
 void CDefaultRouting::onRoutingChanged(const CUpdateData* data) {
     static_cast<void>(data);
-    deferCall(std::unique_ptr<CDeferredCall>(new CCountCall(*this)));
+    deferCall(std::unique_ptr<CDeferredCall>(new CNewsCall(*this)));
 }
 
 void CDefaultRouting::updateChannelCounts() {

@@ -15,10 +15,19 @@
 
 namespace brt {
 
+// Hears of each change of the routing's parameters, on the thread of the change, once that holds no lock.
+class CRoutingWatcher {
+public:
+    virtual void onRoutingChanged() = 0;
+
+protected:
+    ~CRoutingWatcher() = default;
+};
+
 class CDefaultRouting final : public CAudioRoutingInfoProvider {
 public:
-    // [init] `path`: the full name of the main process. The collector outlives this object.
-    void attach(CAudioParamCollector& collector, CStringView path);
+    // [init] `path`: the full name of the main process. Collector and watcher outlive this object.
+    void attach(CAudioParamCollector& collector, CStringView path, CRoutingWatcher& watcher);
     // [init] No more listening.
     void detach();
 
@@ -47,7 +56,7 @@ public:
     CAudioParam& outRouting() const noexcept { return *m_outRouting; }
 
 private:
-    class CCountCall;
+    class CNewsCall;
 
     template <class Write>
     void change(CAudioParamUndoData* undo, Write write);
@@ -58,6 +67,7 @@ private:
     void onRoutingChanged(const CUpdateData* data);
 
     CAudioParamCollector* m_collector = nullptr;  // not owned
+    CRoutingWatcher* m_watcher = nullptr;         // not owned
     CAudioParam* m_inChannelNames = nullptr;
     CAudioParam* m_groupNames = nullptr;
     CAudioParam* m_inRouting = nullptr;

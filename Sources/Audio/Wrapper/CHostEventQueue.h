@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 // What a host sends with a block: events, each due at a frame of it.
-// Owner: the wrapper. Threads: audio. Grows only where a block brings more events than any before.
+// Owner: the wrapper. Threads: audio. Grows only where a block brings more events than any before; a host that sends
+// events and plays no blocks gets no further than a limit, beyond which they are dropped.
 #pragma once
 
 #include <algorithm>
@@ -21,15 +22,19 @@ struct CHostEvent {
 
 class CHostEventQueue {
 public:
-    void append(const CHostEvent& event) { m_events.append(event); }
+    static constexpr int kMostEvents = 4096;
+
+    void append(const CHostEvent& event) {
+        if (m_events.count() < kMostEvents) m_events.append(event);
+    }
     bool isEmpty() const noexcept { return m_events.isEmpty(); }
 
-    // A block: sorts, events of one frame in the order in which they came. Almost always they are sorted already.
+    // A block: sorts, events of one frame in the order in which they came. Hosts send them sorted.
     void begin() {
         m_next = 0;
-        for (int i = 1; i < m_events.count(); ++i)
-            for (int k = i; k > 0 && m_events[k].frameOffset < m_events[k - 1].frameOffset; --k)
-                std::swap(m_events[k], m_events[k - 1]);
+        const auto isEarlier = [](const CHostEvent& a, const CHostEvent& b) { return a.frameOffset < b.frameOffset; };
+        if (std::is_sorted(m_events.begin(), m_events.end(), isEarlier)) return;
+        std::stable_sort(m_events.begin(), m_events.end(), isEarlier);
     }
     // The next event, if it is due at that frame; null otherwise.
     const CHostEvent* takeDue(int frame) noexcept {
