@@ -11,6 +11,7 @@
 #include "Core/CResourceReader.h"
 #include "Core/NumberText.h"
 #include "Platform/PathText.h"
+#include "Tools/Halyard/CToolInstance.h"
 #include "Tools/Halyard/ToolError.h"
 #include "Tools/NearName.h"
 
@@ -159,12 +160,12 @@ std::string nameField(const CAudioPreset& preset) {
 
 std::string hostFileBytes(EPresetForm form, const CAudioPresetBank& bank, const std::string& chunk) {
     const bool isPreset = form == EPresetForm::kFxp;
-    constexpr std::size_t kHostParamCount = 5;
+    const int count = isPreset ? CToolInstance().hostParams().params().count() : bank.count();
     std::string body(isPreset ? kFxpTag : kFxbTag);
     appendBigEndian(body, kFxForm);
     body += projectText("plugin-code");
     appendBigEndian(body, kPluginVersion);
-    appendBigEndian(body, isPreset ? kHostParamCount : static_cast<std::size_t>(bank.count()));
+    appendBigEndian(body, static_cast<std::size_t>(count));
     body += isPreset ? nameField(bank[0]) : std::string(kFxbReservedBytes, '\0');
     appendBigEndian(body, chunk.size());
     body += chunk;

@@ -15,7 +15,11 @@ void readPreset(CAudioPreset& preset, const std::string& nameOrFile) {
     std::error_code ignored;
     if (!std::filesystem::exists(nameOrFile, ignored)) {
         readPresetFile(file, kFactoryBank);
-        preset.assign(file.preset(findPreset(file, nameOrFile)));
+        try {
+            preset.assign(file.preset(findPreset(file, nameOrFile)));
+        } catch (const CToolError& error) {
+            throw CToolError(std::string("no preset to begin with: there is no such file, and ") + error.what());
+        }
         return;
     }
     readPresetFile(file, nameOrFile);
