@@ -251,9 +251,9 @@ int findPreset(const PresetFile& file, const std::string& wanted) {
 std::string presetFileBytes(EPresetForm form, const CAudioPresetBank& bank) {
     if (form == EPresetForm::kList)
         throw CToolError("a list of banks has no file of its own; write a bank or a preset");
-    const std::string block = packed(form, bank);
+    std::string block = packed(form, bank);
     if (form == EPresetForm::kPreset || form == EPresetForm::kBank) return block;
-    const std::string chunk = std::string(kChunkPrefixBytes, '\0') + block;
+    std::string chunk = std::string(kChunkPrefixBytes, '\0') + block;
     if (form == EPresetForm::kPresetChunk || form == EPresetForm::kBankChunk) return chunk;
     return hostFileBytes(form, bank, chunk);
 }

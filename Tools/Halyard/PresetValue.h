@@ -24,7 +24,7 @@ struct PresetValue {
 };
 
 // REQUIRES: the application is started.
-PresetValue readPresetValue(const CString& key, const CByteBuffer& block);
+PresetValue readPresetValue(const CString& key, const CByteBuffer& bytes);
 
 // All groups on one line: "3.0", "1,2,0,0", "3.0;6.0", "3.0 in all 8 groups", "(none)".
 std::string valueText(const PresetValue& value);
