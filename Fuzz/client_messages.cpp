@@ -3,10 +3,14 @@
 // its fields. Whatever they say, values stay in their limits, and windows understand all that comes back.
 #include <cmath>
 
+#include "Audio/CAudioInterfaceBase.h"
 #include "Audio/CAudioParamCollector.h"
+#include "Audio/CAudioParamRegistry.h"
 #include "Audio/CParamMessage.h"
 #include "Core/CApplication.h"
 #include "Core/CError.h"
+#include "Core/CMemoryReader.h"
+#include "Core/CWriteSeqBuffer.h"
 #include "Documents/ProductTags.h"
 #include "Documents/Resources.h"
 #include "Fuzz/FuzzTarget.h"
@@ -81,6 +85,34 @@ void checkValues(CAudioParamCollector& collector) {
     }
 }
 
+// Each position of the history, and whatever the programs hold, is a state like any other.
+void checkHistory(CAudioInterfaceBase& base, CAudioParamCollector& collector) {
+    CStringList labels;
+    int position = 0;
+    base.getHistory(labels, position);
+    require(position >= 0 && position < labels.count(), "the position is one of the history");
+    for (const int end : {0, labels.count() - 1, position}) {
+        base.setHistoryPos(end, true);
+        checkValues(collector);
+    }
+}
+
+void checkPrograms(CAudioParamRegistry& registry, CAudioParamCollector& collector) {
+    CWriteSeqBuffer stream(CWriteSeqBuffer::kStateBlockBytes);
+    require(!discardError(registry.acquireBank(false, stream)), "the programs can be saved");
+    CByteBuffer bytes;
+    stream.moveTo(bytes);
+    CMemoryReader reader(bytes.data(), bytes.size());
+    require(!discardError(registry.activateBank(reader, true)), "what has been saved can be loaded");
+    CAudioParam& shownName = collector.getParam("plugin.modMain.preset-name");
+    for (int i = 0; i < registry.getProgramCount(); ++i) {
+        registry.setCurrentProgram(i, nullptr);
+        require(registry.getCurrentProgramName() == CString("qzkd:").append(shownName.getString(0, 0)),
+                "the name that is shown is the program's");
+        checkValues(collector);
+    }
+}
+
 CObject* add(CObject& parent, const char* tag, const char* name, const char* attribute, const char* value) {
     CAttrMap attributes;
     attributes.findOrInsert(attribute).setText(value);
@@ -99,10 +131,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CObject* plugin = nullptr;
     CAudioParamCollector* collector = nullptr;
     CParamInterfaceBaseConnectorUni* connector = nullptr;
+    CAudioInterfaceBase* base = nullptr;
+    CAudioParamRegistry* registry = nullptr;
     fuzz::require(!discardError(CApplication::initRootObject(root, "")) &&
                       !discardError(root->createChild(plugin, "plugin", "plugin", kTemplateRequired)) &&
                       !discardError(root->findObjectChecked(collector, "plugin.param-collector")) &&
-                      !discardError(root->findObjectChecked(connector, "plugin.interface-base-connector")),
+                      !discardError(root->findObjectChecked(connector, "plugin.interface-base-connector")) &&
+                      !discardError(root->findObjectChecked(base, "plugin.interface-base")) &&
+                      !discardError(root->findObjectChecked(registry, "plugin.param-registry")),
                   "an instance is made");
     collector->start();
     fuzz::add(*root, "other:param-interface-client-connector-uni", "window", "base-connector",
@@ -118,6 +154,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         size -= 3 + length;
     }
     fuzz::checkValues(*collector);
+    fuzz::checkHistory(*base, *collector);
+    fuzz::checkPrograms(*registry, *collector);
     CPacketList packets;
     connector->takeMessages(1, packets);
     while (const std::unique_ptr<CParamPacket> packet = packets.takeFirst())

@@ -47,6 +47,7 @@ protected:
                            {{"preset-name-param", "plugin.modMain.uicolor-params.mode-name"},
                             {"is-global-param-storable", "true"},
                             {"preset-naming", "UI color preset"}});
+        addRegistries();
         for (const char* const name : {"gain", "single", "persistent", "plain", "preset-name", "instance-name",
                                        "ab-state", "source", "doubled", "modHal.hardness", "io-params.group-names",
                                        "io-params.grouping", "uicolor-params.mode-name", "uicolor-params.palette"})
@@ -65,7 +66,11 @@ protected:
         unsetenv("XDG_CONFIG_HOME");
     }
 
-    // The programs that come with the product: those of `programs`, unless a test has none.
+    // More of them; the parameters come behind.
+    virtual void addRegistries() {}
+    // More of the definitions of "modMain".
+    virtual void writeMore(CDocumentWriter&) {}
+    // The programs that come with the product: seven, unless a test has others.
     virtual void addBank() { addPrograms(7); }
     const char* undoCountMax() const override { return "32"; }
 
@@ -85,6 +90,13 @@ protected:
     static Bytes packed(const Stored& stored) {
         CWriteSeqBuffer stream(CWriteSeqBuffer::kStateBlockBytes);
         EXPECT_EQ(messageOf(stored.savePacked(stream)), "");
+        return toBytes(stream);
+    }
+    static Bytes packedBlock(CWriteSeqBuffer& content, std::uint32_t tag) {
+        CByteBuffer bytes;
+        content.moveTo(bytes);
+        CWriteSeqBuffer stream(CWriteSeqBuffer::kStateBlockBytes);
+        EXPECT_EQ(messageOf(stream.writeCompressedData(bytes, tag)), "");
         return toBytes(stream);
     }
     template <class Stored>
@@ -247,6 +259,7 @@ protected:
                              {"def-values", value}});
         };
         begin(writer, "core:object", "modMain", {});
+        writeMore(writer);
         for (const char* const name : {"gain", "source", "doubled", "late"}) number(name, {"is-storable"});
         number("single", {"is-storable", "is-single-group"});
         number("persistent", {"is-persistent"});

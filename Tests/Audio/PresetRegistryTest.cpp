@@ -2,6 +2,7 @@
 // Presets, programs and banks: what they hold, what activating them changes, and what bad ones must not.
 #include <random>
 
+#include "Core/CAppData.h"
 #include "PresetFixture.h"
 
 namespace brt {
@@ -433,6 +434,63 @@ TEST_F(WithUserDefault, anInstanceBeginsWithTheUsersDefault) {
     CAudioPreset preset;
     EXPECT_EQ(acquire(master(), preset, 0, -1, true), "");
     EXPECT_EQ(text(preset.name()), "qzkd:P0") << "what came with the product stays";
+}
+
+// Presets that follow a parameter: "all" selects one for a group, "each" one for each of its elements.
+class Enumerated : public PresetRegistry {
+    void addBank() override {
+        PresetRegistry::addBank();
+        COwnedArray<CAudioPresetBank> banks;
+        CAudioPresetBank& bank = *banks.append(new CAudioPresetBank);
+        for (const double value : {20.0, 21.0})
+            put(*bank.presets().append(new CAudioPreset("ENUM:x")), "gain", {{value, value + 0.5}});
+        CWriteSeqBuffer stream(CWriteSeqBuffer::kStateBlockBytes);
+        EXPECT_EQ(messageOf(CAudioPresetBank::saveList(stream, banks)), "");
+        addResource("AppDataLocal_enum-presets", packedBlock(stream, appDataTag::kPresetList));
+    }
+    void addRegistries() override {
+        registry("all-registry", "ENUM", "plugin.modMain.all",
+                 {{"is-enumerated", "true"}, {"store-name", "enum-presets"}});
+        registry("each-registry", "ENUM", "plugin.modMain.each",
+                 {{"is-enumerated", "true"}, {"is-element-enum", "true"}, {"store-name", "enum-presets"}});
+        for (const char* const name : {"all", "each"}) {
+            param((kMain + std::string(name) + ".gain").c_str(), "modMain.gain");
+            modParam(name);
+        }
+    }
+    void writeMore(CDocumentWriter& writer) override {
+        for (const auto& [name, registry] : {std::pair("all", "all-registry"), std::pair("each", "each-registry")})
+            VizFixture::put(writer, "audio:param", name,
+                            {{"element-size", "1"},
+                             {"converter", "shared::audio.real"},
+                             {"param-registry", registry},
+                             {"min-values", "0"},
+                             {"max-values", "1000000"},
+                             {"def-values", "0"}});
+    }
+};
+
+TEST_F(Enumerated, aValueSelectsAPreset) {
+    using Texts = std::vector<std::string>;
+    CAudioParam& gain = mod("all.gain");
+    mod("all").setFloat(1.2, 2, nullptr);
+    EXPECT_EQ(describe(gain.control()), (Texts{"", "", "21.000000;21.500000;"}));
+    mod("all").setFloat(0.4, 0, nullptr);
+    mod("all").setFloatAt(2, 1, 0.0, nullptr);  // elements behind the first select nothing
+    EXPECT_EQ(describe(gain.control()), (Texts{"20.000000;20.500000;", "", "21.000000;21.500000;"}));
+    for (const double none : {2.0, 1e6}) mod("all").setFloat(none, 2, nullptr);
+    EXPECT_EQ(describe(gain.control()), Texts{"20.000000;20.500000;"}) << "of that group alone";
+    EXPECT_EQ(value("gain"), 0);
+
+    const std::vector<double> each{1, 7, 0};
+    mod("each").update(update(mod("each"), each), {});
+    EXPECT_EQ(describe(mod("each.gain").control()), Texts{"21.000000;10.000000;20.000000;"});
+    mod("each").setFloatAt(0, 1, 1.0, nullptr);
+    EXPECT_EQ(describe(mod("each.gain").control()), (Texts{"21.000000;21.000000;"})) << "the last one that changed";
+    EXPECT_EQ(heard(), state());
+    CAudioPreset preset;
+    EXPECT_EQ(acquire(master(), preset), "");
+    EXPECT_FALSE(preset.entries().contains("all.gain")) << "it belongs to that registry alone";
 }
 
 }  // namespace
