@@ -72,7 +72,7 @@ public:
     [[nodiscard]] CError* activateBank(CInputStream& stream, bool includePersistent);
     // All parameters that presets hold go back to what a reset means.
     void masterReset();
-    // What a reset means from now on. A preset that can't be read changes nothing.
+    // What a reset means from now on. One that can't be read, or of another registry, changes nothing.
     void setDefaultPreset(CInputStream& stream);
 
     // Saving. `index` and `isFactory` are for masters; `group` is for the others, -1 for all.

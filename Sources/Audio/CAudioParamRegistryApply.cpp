@@ -205,7 +205,7 @@ void CAudioParamRegistry::masterReset() {
 void CAudioParamRegistry::setDefaultPreset(CInputStream& stream) {
     if (!m_isMaster) return;
     CAudioPreset preset;
-    if (discardError(preset.load(stream))) return;  // what a reset means stays
+    if (discardError(preset.load(stream)) || !isCompatible(preset)) return;  // what a reset means stays
     const CRankedLock lock(m_programSection);
     CError* const error = applyPreset(preset, {.toDefaults = true}, false, nullptr);
     logError(error);

@@ -112,6 +112,8 @@ void CAudioParamRegistry::loadDefaultPreset() {
     CMemoryReader reader(bytes.data(), bytes.size());
     CAudioPreset preset;
     if (discardError(preset.load(reader))) return;  // the product's own default stays
+    // A program with another id would make a bank that can be saved and not loaded.
+    if (!isCompatible(preset)) return;
     m_session[0].assign(preset);
     m_isUserDefaultLoaded = true;
 }

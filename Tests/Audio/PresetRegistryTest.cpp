@@ -415,9 +415,11 @@ TEST_F(WithoutBank, thereIsOneEmptyProgram) {
 }
 
 class WithUserDefault : public PresetRegistry {
-    void addBank() override {
+protected:
+    void addBank() override { addDefault("qzkd:User's"); }
+    void addDefault(const char* name) {
         addPrograms(2);
-        CAudioPreset preset("qzkd:User's");
+        CAudioPreset preset(name);
         put(preset, "gain", {{33}});
         putText(preset, "instance-name", "studio");
         addResource("AppDataLocal_default-preset", packed(preset));
@@ -434,6 +436,23 @@ TEST_F(WithUserDefault, anInstanceBeginsWithTheUsersDefault) {
     CAudioPreset preset;
     EXPECT_EQ(acquire(master(), preset, 0, -1, true), "");
     EXPECT_EQ(text(preset.name()), "qzkd:P0") << "what came with the product stays";
+}
+
+class WithForeignDefault : public WithUserDefault {
+    void addBank() override { addDefault("User's"); }
+};
+
+TEST_F(WithForeignDefault, aDefaultOfAnotherRegistryIsIgnored) {
+    EXPECT_EQ(value("gain"), 0);
+    EXPECT_EQ(programName(0), "qzkd:P0");
+    EXPECT_EQ(activateBank(master(), sessionBank(master())), "") << "what has been saved can be loaded";
+    CAudioPreset preset("BTIO:x");
+    put(preset, "gain", {{5}});
+    const Bytes bytes = bytesOf(preset);
+    CMemoryReader reader(bytes.data(), static_cast<int>(bytes.size()));
+    master().setDefaultPreset(reader);
+    master().masterReset();
+    EXPECT_EQ(value("gain"), 0);
 }
 
 // Presets that follow a parameter: "all" selects one for a group, "each" one for each of its elements.
