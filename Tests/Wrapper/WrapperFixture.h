@@ -44,8 +44,17 @@ public:
         activate();
     }
 
+    // Again with two channels of doubles, whatever was before.
+    void reopen() {
+        deactivate();
+        setChannels(2);
+        resume(2, 48000.0, true);
+    }
+
     CAudioParam& param(const char* name) { return collector().getParam(std::string("plugin.modMain.") + name); }
-    double value(const char* name, int group = 0, int element = 0) { return param(name).getFloat(group, element, -1e9); }
+    double value(const char* name, int group = 0, int element = 0) {
+        return param(name).getFloat(group, element, -1e9);
+    }
 
     std::vector<std::string> journal;
 };
