@@ -4,7 +4,7 @@
 
 #include "Audio/CAudioParamCollector.h"
 #include "Audio/CAudioParamDef.h"
-#include "Audio/CPresetPlan_p.h"
+#include "Audio/CAudioParamRegistry_p.h"
 #include "Core/CApplication.h"
 
 namespace brt {

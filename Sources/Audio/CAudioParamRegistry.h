@@ -100,18 +100,9 @@ private:
     class CNotice;
     class CFollowCall;
 
-    struct CNameRemap : CBrtMemAllocator {
-        CString from;
-        CString to;
-    };
-    struct CPendingParam : CBrtMemAllocator {
-        CAudioParam* param = nullptr;
-        CString key;
-    };
-    // What waits while another program is the current one.
-    struct CParkedHistory : CBrtMemAllocator {
-        std::unique_ptr<CAudioParamUndoHistory> history;
-    };
+    struct CNameRemap;
+    struct CPendingParam;
+    struct CParkedHistory;
 
     // Initialisation.
     [[nodiscard]] CError* readNameRemap();

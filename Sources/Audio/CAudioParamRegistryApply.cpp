@@ -3,8 +3,8 @@
 #include "Audio/CAudioParamRegistry.h"
 
 #include "Audio/CAudioParamCollector.h"
+#include "Audio/CAudioParamRegistry_p.h"
 #include "Audio/CAudioRoutingInfoProvider.h"
-#include "Audio/CPresetPlan_p.h"
 #include "Core/CMemoryReader.h"
 #include "Core/CWriteSeqBuffer.h"
 

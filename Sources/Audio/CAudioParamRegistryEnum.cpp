@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "Audio/CAudioParam.h"
-#include "Audio/CPresetPlan_p.h"
+#include "Audio/CAudioParamRegistry_p.h"
 
 namespace brt {
 

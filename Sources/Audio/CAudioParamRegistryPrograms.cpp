@@ -3,7 +3,7 @@
 #include "Audio/CAudioParamRegistry.h"
 
 #include "Audio/CAudioParamCollector.h"
-#include "Audio/CPresetPlan_p.h"
+#include "Audio/CAudioParamRegistry_p.h"
 
 namespace brt {
 
