@@ -148,6 +148,7 @@ private:
     void notifyLater(const void* source);
     void copyProgram(CAudioPreset& copy, int index) const;
     [[nodiscard]] CError* checkBank(const CAudioPresetBank& bank, int count, bool includePersistent);
+    void spreadSessionValues(CAudioPresetBank& bank);
     void takeBank(const CAudioPresetBank& bank, int count);
     void dropShadow();
     void refreshShadow();

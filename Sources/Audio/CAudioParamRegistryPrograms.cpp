@@ -156,8 +156,23 @@ CError* CAudioParamRegistry::acquireBank(bool isFactory, COutputStream& stream) 
         const CRankedLock nameLock(m_nameSection);
         bank.assign(m_session);
     }
+    spreadSessionValues(bank);
     BRT_TRY(getFullName(), bank.save(stream));
     return nullptr;
+}
+
+// What belongs to the session and to no program stands in all of them: whoever takes the bank back may be at another
+// one, and activates that.
+void CAudioParamRegistry::spreadSessionValues(CAudioPresetBank& bank) {
+    const CAudioPreset& live = bank[m_current];
+    const CRankedLock lock(m_paramsSection);
+    for (const auto& [key, param] : m_params) {
+        const CAudioParamInfo* const info = param->info();
+        const CByteBuffer* const block = live.entries().find(key);
+        if (info == nullptr || !info->isPersistent || info->isStorable || block == nullptr) continue;
+        for (CAudioPreset* const preset : bank.presets())
+            if (preset != &live) preset->entries().findOrInsert(key).assign(block->data(), block->size());
+    }
 }
 
 CError* CAudioParamRegistry::checkBank(const CAudioPresetBank& bank, int count, bool includePersistent) {

@@ -90,6 +90,12 @@ TEST_F(StateTest, whatStaysWithTheSessionComesBackToo) {
     ASSERT_EQ(load(two, stateOf(one)), "");
     EXPECT_EQ(two.value("bypass-enable"), 1.0);
     EXPECT_EQ(text(two.param("instance-name").getString(0, 0)), "Drum bus");
+    // Also where the host is at another program by then.
+    one.registry().setCurrentProgram(3, nullptr);
+    one.param("instance-name").setString(0, 0, "Master", nullptr);
+    ASSERT_EQ(load(two, stateOf(one)), "");
+    EXPECT_EQ(text(two.param("instance-name").getString(0, 0)), "Master");
+    EXPECT_EQ(two.value("bypass-enable"), 1.0);
 }
 
 TEST_F(StateTest, aDamagedOneChangesNothing) {
