@@ -195,17 +195,4 @@ private:
     CAudioParamUser* m_firstUser = nullptr;              // changed on the audio thread, or while it stands still
 };
 
-// Locks several parameters, in their order, for the life of a scope; also those that their filters write, since a batch
-// holds changes of these too.
-class CAudioParamLocks {
-public:
-    // `params` may hold one several times, and null.
-    explicit CAudioParamLocks(std::span<CAudioParam* const> params);
-    CAudioParamLocks(const CAudioParamLocks&) = delete;
-    CAudioParamLocks& operator=(const CAudioParamLocks&) = delete;
-
-private:
-    COwnedArray<CRankedLock> m_locks;  // go from the last to the first
-};
-
 }  // namespace brt

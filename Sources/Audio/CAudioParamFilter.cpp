@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Audio/CAudioParamFilter.h"
+#include "Audio/CAudioParamLocks.h"
 
 #include <algorithm>
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 // How presets become values, and values presets.
+#include "Audio/CAudioParamLocks.h"
 #include "Audio/CAudioParamRegistry.h"
 
 #include "Audio/CAudioParamCollector.h"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Audio/CAudioParamUndoRecord.h"
+#include "Audio/CAudioParamLocks.h"
 
 #include "Audio/CAudioParamCollector.h"
 

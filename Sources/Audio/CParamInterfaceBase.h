@@ -88,6 +88,7 @@ private:
     CError* onUpdateShadowPreset();
     // The registry of the handle that comes next in the message at hand.
     CError* readRegistry(CAudioParamRegistry*& registry, ParamHandle& handle);
+    CError* runOnRegistry(void (CAudioParamRegistry::*operation)());
     void sendRegistry(ParamHandle handle, const CAudioParamRegistry& registry, bool isFactory);
 
     // Parameters.

@@ -30,6 +30,14 @@ CError* CParamInterfaceBase::readRegistry(CAudioParamRegistry*& registry, ParamH
                      handle);
 }
 
+CError* CParamInterfaceBase::runOnRegistry(void (CAudioParamRegistry::*operation)()) {
+    CAudioParamRegistry* registry = nullptr;
+    ParamHandle handle = 0;
+    BRT_TRY(getFullName(), readRegistry(registry, handle));
+    (registry->*operation)();
+    return nullptr;
+}
+
 // Listening.
 
 CError* CParamInterfaceBase::onListenRegistry() {
@@ -140,30 +148,14 @@ CError* CParamInterfaceBase::onSetDefaultPreset() {
     return nullptr;
 }
 
-CError* CParamInterfaceBase::onActivateDefaultPreset() {
-    CAudioParamRegistry* registry = nullptr;
-    ParamHandle handle = 0;
-    BRT_TRY(getFullName(), readRegistry(registry, handle));
-    registry->masterReset();
-    return nullptr;
-}
+CError* CParamInterfaceBase::onActivateDefaultPreset() { return runOnRegistry(&CAudioParamRegistry::masterReset); }
 
 // A/B.
 
 CError* CParamInterfaceBase::onExchangeShadowPreset() {
-    CAudioParamRegistry* registry = nullptr;
-    ParamHandle handle = 0;
-    BRT_TRY(getFullName(), readRegistry(registry, handle));
-    registry->exchangeShadowPreset();
-    return nullptr;
+    return runOnRegistry(&CAudioParamRegistry::exchangeShadowPreset);
 }
 
-CError* CParamInterfaceBase::onUpdateShadowPreset() {
-    CAudioParamRegistry* registry = nullptr;
-    ParamHandle handle = 0;
-    BRT_TRY(getFullName(), readRegistry(registry, handle));
-    registry->updateShadowPreset();
-    return nullptr;
-}
+CError* CParamInterfaceBase::onUpdateShadowPreset() { return runOnRegistry(&CAudioParamRegistry::updateShadowPreset); }
 
 }  // namespace brt

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 // The way of changes to the audio thread.
 #include "ParamFixture.h"
+#include "Audio/CAudioParamLocks.h"
 
 #include <atomic>
 #include <random>

@@ -7,6 +7,7 @@
 #include "Audio/CAudioExtParam.h"
 #include "Audio/CAudioExtParamHostBridge.h"
 #include "Audio/CAudioParamConverter.h"
+#include "Audio/CAudioParamLocks.h"
 #include "Audio/CAudioParamFilter.h"
 
 namespace brt {

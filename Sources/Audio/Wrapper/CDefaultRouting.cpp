@@ -6,6 +6,7 @@
 
 #include "Audio/CAudioLink.h"
 #include "Audio/CAudioParamCollector.h"
+#include "Audio/CAudioParamLocks.h"
 
 namespace brt {
 namespace {
