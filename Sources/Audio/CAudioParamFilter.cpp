@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Audio/CAudioParamFilter.h"
-#include "Audio/CAudioParamLocks.h"
 
 #include <algorithm>
 
 #include "Audio/CAudioParamCollector.h"
+#include "Audio/CAudioParamLocks.h"
 #include "Core/CError.h"
 
 namespace brt {

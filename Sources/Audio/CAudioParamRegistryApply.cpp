@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 // How presets become values, and values presets.
-#include "Audio/CAudioParamLocks.h"
 #include "Audio/CAudioParamRegistry.h"
 
 #include "Audio/CAudioParamCollector.h"
+#include "Audio/CAudioParamLocks.h"
 #include "Audio/CAudioParamRegistry_p.h"
 #include "Audio/CAudioRoutingInfoProvider.h"
 #include "Core/CMemoryReader.h"

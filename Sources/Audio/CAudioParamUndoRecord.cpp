@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 #include "Audio/CAudioParamUndoRecord.h"
-#include "Audio/CAudioParamLocks.h"
 
 #include "Audio/CAudioParamCollector.h"
+#include "Audio/CAudioParamLocks.h"
 
 namespace brt {
 namespace {

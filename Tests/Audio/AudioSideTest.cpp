@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
 // The way of changes to the audio thread.
 #include "ParamFixture.h"
-#include "Audio/CAudioParamLocks.h"
 
 #include <atomic>
 #include <random>
 #include <thread>
+
+#include "Audio/CAudioParamLocks.h"
 
 namespace brt {
 namespace {

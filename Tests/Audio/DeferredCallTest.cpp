@@ -7,8 +7,8 @@
 #include "Audio/CAudioExtParam.h"
 #include "Audio/CAudioExtParamHostBridge.h"
 #include "Audio/CAudioParamConverter.h"
-#include "Audio/CAudioParamLocks.h"
 #include "Audio/CAudioParamFilter.h"
+#include "Audio/CAudioParamLocks.h"
 
 namespace brt {
 namespace {
