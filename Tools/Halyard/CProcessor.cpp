@@ -4,35 +4,63 @@
 #include <algorithm>
 #include <array>
 
-#include "Platform/ScopedFlushToZero.h"
 #include "Tools/Halyard/Decibels.h"
+#include "Tools/Halyard/ToolError.h"
 
 namespace brt {
 
-CProcessor::CProcessor(int channelCount, const ProcessorSettings& settings)
-    : m_channelCount(channelCount), m_blockFrames(settings.blockFrames) {
-    // Nothing in the path depends on the rate but the length of fades, and those are over before the first sample.
-    constexpr double kAnyRate = 48000.0;
-    m_instance.setLayout(channelCount, kAnyRate);
-    m_instance.set("plugin.modMain.modHal.ingain", dbToFactor(settings.inputGainDb));
-    m_instance.set("plugin.modMain.modHal.hardness", settings.hardnessPercent / 100);
-    m_instance.set("plugin.modMain.modHal.residue", settings.residue ? 1.0 : 0.0);
-    m_instance.set("plugin.modMain.modHal.outgain", dbToFactor(settings.outputGainDb));
-    m_instance.settle();
+namespace {
+
+// Nothing in the path depends on the rate but the length of fades, and those are over before the first sample.
+constexpr double kAnyRate = 48000.0;
+
+void set(const CPluginInstance& instance, const char* name, double value) {
+    const int index = instance.findParameter(name);
+    if (index < 0) throw CToolError("the plug-in has no parameter " + std::string(name) + ": it isn't ours");
+    instance.setParameter(index, value);
 }
 
-void CProcessor::reset() noexcept { m_instance.reset(); }
+}  // namespace
+
+CProcessor::CProcessor(int channelCount, const ProcessorSettings& settings)
+    : m_channelCount(channelCount), m_blockFrames(settings.blockFrames) {
+    const std::shared_ptr<const CPluginModule> module =
+        settings.plugin != nullptr ? settings.plugin : CPluginModule::load({});
+    for (int served = 0; served < channelCount;) {
+        auto instance = std::make_unique<CPluginInstance>(module);
+        const int channels = std::min(channelCount - served, instance->channelCount());
+        // Where it can't have fewer, the others are silent.
+        if (channels < instance->channelCount()) instance->setChannels(channels);
+        instance->resume(kAnyRate, m_blockFrames);
+        set(*instance, "Gain", settings.inputGainDb / ProcessorSettings::kMaxInputGainDb);
+        set(*instance, "Hardnes", settings.hardnessPercent / 100);
+        set(*instance, "Residue", settings.residue ? 1.0 : 0.0);
+        set(*instance, "OutGain", 1 - settings.outputGainDb / ProcessorSettings::kMinOutputGainDb);
+        instance->settle(kAnyRate, m_blockFrames);
+        served += channels;
+        m_instances.push_back(std::move(instance));
+    }
+}
+
+void CProcessor::reset() noexcept {
+    for (const auto& instance : m_instances) {
+        instance->suspend();
+        instance->resume(kAnyRate, m_blockFrames);
+    }
+}
 
 void CProcessor::process(const double* const* inputs, double* const* outputs, int frameCount) noexcept {
-    const ScopedFlushToZero flushToZero;
-    std::array<const double*, ProcessorSettings::kMaxChannels> in;
-    std::array<double*, ProcessorSettings::kMaxChannels> out;
     for (int start = 0; start < frameCount; start += m_blockFrames) {
-        for (int c = 0; c < m_channelCount; ++c) {
-            in[static_cast<std::size_t>(c)] = inputs[c] + start;
-            out[static_cast<std::size_t>(c)] = outputs[c] + start;
+        int channel = 0;
+        for (const auto& instance : m_instances) {
+            std::array<double*, ProcessorSettings::kMaxChannels> in{};
+            std::array<double*, ProcessorSettings::kMaxChannels> out{};
+            for (std::size_t c = 0; static_cast<int>(c) < instance->channelCount() && channel < m_channelCount; ++c) {
+                in[c] = const_cast<double*>(inputs[channel]) + start;  // read only
+                out[c] = outputs[channel++] + start;
+            }
+            instance->process(in.data(), out.data(), std::min(m_blockFrames, frameCount - start));
         }
-        m_instance.process(in.data(), out.data(), std::min(m_blockFrames, frameCount - start));
     }
 }
 

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: LicenseRef-Halyard
-// The signal path as the tool sees it: an instance of the product with its gains and its clipper, on a number of
-// channels. This is the one place of the tool that knows how the sound is made.
+// The signal path as the tool sees it: instances of the plug-in, as many as the channels need. This is the one place of
+// the tool that knows how the sound is made.
 // Owner: the job that renders or measures. Threads: one at a time. After construction nothing allocates.
 #pragma once
 
 #include <memory>
 #include <vector>
 
-#include "Tools/Halyard/CToolInstance.h"
+#include "Tools/Halyard/CPluginInstance.h"
 
 namespace brt {
 
@@ -23,6 +23,7 @@ struct ProcessorSettings {
     double outputGainDb = 0;       // -24 to 0
     bool residue = false;          // put out what the clipper removes instead of what it leaves
     int blockFrames = 512;         // 1 to 8192: handed to the clipper at a time; changes the speed, never the sound
+    std::shared_ptr<const CPluginModule> plugin{};  // null: the one that is linked in
 };
 
 class CProcessor {
@@ -31,7 +32,7 @@ public:
     CProcessor(int channelCount, const ProcessorSettings& settings);
 
     int channelCount() const noexcept { return m_channelCount; }
-    int latencySamples() const noexcept { return m_instance.latencySamples(); }
+    int latencySamples() const noexcept { return m_instances[0]->latencySamples(); }
 
     // [any] As if the clipper had held silence for ever.
     void reset() noexcept;
@@ -42,7 +43,7 @@ public:
 private:
     const int m_channelCount;
     const int m_blockFrames;
-    CToolInstance m_instance;
+    std::vector<std::unique_ptr<CPluginInstance>> m_instances;
 };
 
 // [any] Plays the settings' answer to one channel: `output[i]` belongs to `input[i]`, the latency is taken out, and

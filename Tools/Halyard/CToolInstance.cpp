@@ -29,8 +29,7 @@ void succeed(CError* error) {
 }  // namespace
 
 void startApplication() {
-    if (!startProduct())
-        throw CToolError("the shared document of this program can't be loaded; see above");
+    if (!startProduct()) throw CToolError("the shared document of this program can't be loaded; see above");
 }
 
 CToolInstance::CToolInstance() {

@@ -5,6 +5,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <thread>
 
 #include "Tools/Halyard/Decibels.h"
@@ -66,6 +67,11 @@ void addSettings(CLI::App& command, Settings& settings) {
     command.add_flag("--residue", settings.residue, "Put out what the clipper removes, not what it leaves");
 }
 
+void addPlugin(CLI::App& command, std::filesystem::path& plugin) {
+    command.add_option("--plugin", plugin, "A plug-in to use (the one that is part of this program)")
+        ->type_name("FILE");
+}
+
 template <class T>
 void addForce(CLI::App& command, T& mayReplace) {
     command.add_flag("--force", mayReplace, "Replace files that exist already");
@@ -97,6 +103,7 @@ void addRender(CLI::App& app, RenderRequest& request, std::string& sampleFormat)
                     "Frames the clipper gets at a time, 1 to 8192 (512)")
         ->check(wholeBetween(1, ProcessorSettings::kMaxBlockFrames, ""))
         ->type_name("N");
+    addPlugin(command, request.plugin);
     addForce(command, request.common.mayReplace);
     command.footer(
         R"(The output lines up with the input and has its length. Its name's ending chooses the file type: .wav, .flac, .aiff,
@@ -117,6 +124,7 @@ void addPlot(CLI::App& app, PlotRequest& request) {
     command.add_option("input", request.input, "The sound file")->required()->type_name("FILE");
     command.add_option("output", request.output, "The picture, PNG")->required()->type_name("PNG");
     addSettings(command, request.settings);
+    addPlugin(command, request.plugin);
     addForce(command, request.mayReplace);
     command.footer(R"(Shows the wave around the loudest sample, the transfer curve, and the spectra before and after.
 
@@ -193,6 +201,40 @@ Examples:
   halyard params
   halyard params ingain 6 12,5 99
   halyard params outgain -- -6 -0.5)");
+}
+
+void addInfo(CLI::App& app, InfoRequest& request) {
+    CLI::App& command = *app.add_subcommand("info", "Print what the plug-in tells its hosts");
+    addPlugin(command, request.plugin);
+    command.add_flag("--json", request.asJson, "Print JSON");
+    command.footer("Examples:\n  halyard info\n  halyard info --plugin ~/.vst/halyard.so");
+}
+
+void addSoak(CLI::App& app, SoakRequest& request) {
+    CLI::App& command = *app.add_subcommand("soak", "Do at random what hosts do, and tell how the plug-in bears it");
+    command.add_option("--seconds", request.seconds, "How long, 1 to 86400 s (10)")
+        ->check(numberBetween(1, 86400, "s"))
+        ->type_name("S");
+    command.add_option("--seed", request.seed, "Another number, another soak (1)")
+        ->check(wholeBetween(0, std::numeric_limits<int>::max(), ""))
+        ->type_name("N");
+    command.add_option("--instances", request.instanceCount, "Instances at a time, 1 to 64 (2)")
+        ->check(wholeBetween(1, 64, ""))
+        ->type_name("N");
+    command.add_flag("--calm", request.isCalm, "Change nothing: blocks of one size at 48000 Hz");
+    command.add_option("--block", request.blockFrames, "The size of these, 1 to 2048 frames (64)")
+        ->check(wholeBetween(1, 2048, ""))
+        ->type_name("N");
+    addPlugin(command, request.plugin);
+    command.footer(
+        R"(Each instance has a thread that processes blocks of all sizes, suspends, resumes and changes rates, and one that
+changes parameters, programs and state meanwhile. It lives up to two seconds; then comes another one. Told are the block
+of 64 frames or more that took the largest part of its own length, and how often audio threads have used the system's
+heap. The exit status is 1 if something came out that is no sound, or if state was refused.
+
+Examples:
+  halyard soak --seconds 600 --seed 7
+  halyard soak --calm --instances 1 --block 64)");
 }
 
 struct PresetRequests {
@@ -292,7 +334,8 @@ std::string oneLine(const CLI::App& app, const CLI::ParseError& error, const std
     }
     const std::string wrong =
         firstArgument.empty() ? "no command is given" : brt::quoted(firstArgument) + " is no command";
-    return wrong + "; use render, plot, measure, demo-signal, tree, graph, params or preset, and see 'halyard --help'";
+    return wrong +
+           "; use render, plot, measure, demo-signal, tree, graph, params, info, soak or preset, and see 'halyard --help'";
 }
 
 }  // namespace
@@ -305,6 +348,8 @@ Request parseCommandLine(int argumentCount, const char* const* arguments) {
     TreeRequest tree;
     GraphRequest graph;
     ParamsRequest params;
+    InfoRequest info;
+    SoakRequest soak;
     PresetRequests presets;
     std::string sampleFormat;
 
@@ -319,6 +364,8 @@ Request parseCommandLine(int argumentCount, const char* const* arguments) {
     addTree(app, tree);
     addGraph(app, graph);
     addParams(app, params);
+    addInfo(app, info);
+    addSoak(app, soak);
     addPreset(app, presets);
     app.footer(R"(Each command explains itself: halyard render --help
 
@@ -344,6 +391,8 @@ Example:
     if (command == "tree") return tree;
     if (command == "graph") return graph;
     if (command == "params") return params;
+    if (command == "info") return info;
+    if (command == "soak") return soak;
     if (command == "preset")
         return chosenOf(presets, app.get_subcommands().front()->get_subcommands().front()->get_name());
     return demoSignal;

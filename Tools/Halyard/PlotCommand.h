@@ -12,6 +12,7 @@ struct PlotRequest {
     std::filesystem::path input;
     std::filesystem::path output;
     ProcessorSettings settings;
+    std::filesystem::path plugin;  // empty: the one that is linked in
     bool mayReplace = false;
 };
 

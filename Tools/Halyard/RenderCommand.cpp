@@ -30,6 +30,7 @@ namespace fs = std::filesystem;
 RenderRequest withSettings(const RenderRequest& request) {
     RenderRequest result = request;
     ProcessorSettings& settings = result.common.settings;
+    settings.plugin = CPluginModule::load(request.plugin);
     if (!request.preset.empty()) usePreset(settings, request.preset);
     settings.inputGainDb = request.given.inputGainDb.value_or(settings.inputGainDb);
     settings.hardnessPercent = request.given.hardnessPercent.value_or(settings.hardnessPercent);

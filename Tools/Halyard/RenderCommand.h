@@ -25,6 +25,7 @@ struct RenderRequest {
     std::optional<int> jobCount;  // files at a time; nothing: as many as there are processors
     std::string preset;           // a preset of the factory bank, or a file with one; empty: none
     Given given;
+    std::filesystem::path plugin;  // empty: the one that is linked in
     RenderJob
         common;  // what all jobs share; unused are its paths of input and output, and its settings but for the block
 };

@@ -37,6 +37,8 @@ struct Runner {
     int operator()(const brt::TreeRequest& request) const { return brt::runTree(request); }
     int operator()(const brt::GraphRequest& request) const { return brt::runGraph(request); }
     int operator()(const brt::ParamsRequest& request) const { return brt::runParams(request); }
+    int operator()(const brt::InfoRequest& request) const { return brt::runInfo(request); }
+    int operator()(const brt::SoakRequest& request) const { return brt::runSoak(request); }
     int operator()(const brt::PresetListRequest& request) const { return brt::runPresetList(request); }
     int operator()(const brt::PresetShowRequest& request) const { return brt::runPresetShow(request); }
     int operator()(const brt::PresetConvertRequest& request) const { return brt::runPresetConvert(request); }
