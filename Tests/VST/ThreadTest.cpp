@@ -65,8 +65,11 @@ TEST_F(VstThreads, stateAndParametersMayComeAtAnyTime) {
         const VstSound<float> tone = VstHost::tone<float>(64);
         for (int i = 0; i < 600; ++i) ASSERT_TRUE(isSound(host.play(tone))) << i;
     }
+    // The state was taken at the first program.
+    host.call(effSetProgram, 0, 0);
     EXPECT_EQ(host.setChunk(state), 1);
     EXPECT_EQ(host.get(kHardness), 1.0f);
+    EXPECT_EQ(host.chunk(), state);
 }
 
 TEST_F(VstThreads, carelessHostsAreKeptInOrder) {
