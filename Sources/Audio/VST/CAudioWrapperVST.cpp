@@ -132,8 +132,9 @@ void CAudioWrapperVST::processBlock(Sample** inputs, Sample** outputs, std::int3
 
     std::array<const void*, kAudioChannelLimit> in{};
     std::array<void*, kAudioChannelLimit> out{};
-    if (inputs != nullptr) std::copy_n(inputs, m_channelLimit, in.begin());
-    if (outputs != nullptr) std::copy_n(outputs, m_channelLimit, out.begin());
+    // As many pointers as the format that holds has channels: a host of one channel may hand in one.
+    if (inputs != nullptr) std::copy_n(inputs, inputChannelCount(), in.begin());
+    if (outputs != nullptr) std::copy_n(outputs, outputChannelCount(), out.begin());
     CAudioWrapper::process(in.data(), out.data(), std::max(frames, 0));
     if (takeLatencyChange()) ioChanged();
 }
