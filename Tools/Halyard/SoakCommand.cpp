@@ -73,17 +73,20 @@ private:
 
 std::string percent(double part) { return formatFixed(100 * part, 1) + " %"; }
 
+std::string worstText(const SoakFigures& figures) {
+    if (figures.worstFrames == 0) return "none was long enough";
+    return percent(figures.worstPart) + " of its length: " + std::to_string(figures.worstFrames) + " frames at " +
+           formatFixed(figures.worstRateHz, 0) + " Hz in " + formatFixed(1e6 * figures.worstSeconds, 0) + " us";
+}
+
 void print(const SoakRequest& request, const SoakFigures& figures) {
     const auto number = [](std::int64_t value) { return std::to_string(value); };
-    const std::string worst = percent(figures.worstPart) + " of its length: " + number(figures.worstFrames) +
-                              " frames at " + formatFixed(figures.worstRateHz, 0) + " Hz in " +
-                              formatFixed(1e6 * figures.worstSeconds, 0) + " us";
     printTable({{"seed", number(request.seed)},
                 {"instances", number(request.instanceCount) + " at a time, " + number(figures.lives) + " in all"},
                 {"blocks", number(figures.blocks) + ", " + formatFixed(figures.soundSeconds, 1) + " s of sound"},
                 {"changes", number(figures.controlCalls) + " calls"},
                 {"load", percent(figures.processSeconds / figures.soundSeconds) + " of the sound's length"},
-                {"worst block", worst},
+                {"worst block", worstText(figures)},
                 {"heap", canCountHeapCalls() ? number(figures.heapCalls) + " calls on audio threads" : "not counted"}});
 }
 
