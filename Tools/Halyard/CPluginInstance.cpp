@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "Audio/VST/VstText.h"
 #include "Core/CString.h"
 #include "Tools/Halyard/ToolError.h"
 
@@ -19,8 +20,8 @@ std::intptr_t answer(AEffect*, std::int32_t opcode, std::int32_t, std::intptr_t,
     switch (opcode) {
     case audioMasterVersion: return kHostVersion;
     case audioMasterGetCurrentProcessLevel: return kRealtimeLevel;
-    case audioMasterGetProductString: return std::strcpy(static_cast<char*>(ptr), "halyard"), 1;
-    case audioMasterGetVendorString: return std::strcpy(static_cast<char*>(ptr), "Brontel"), 1;
+    case audioMasterGetProductString: return writeVstText(ptr, "halyard", kVstMaxProductStrLen);
+    case audioMasterGetVendorString: return writeVstText(ptr, "Brontel", kVstMaxVendorStrLen);
     default: return 0;
     }
 }

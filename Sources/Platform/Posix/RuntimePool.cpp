@@ -4,8 +4,8 @@
 // the module many times would lose 72 kilobytes each time.
 
 // Of the runtime; declared in none of its headers.
-namespace __gnu_cxx {
-void __freeres();
+namespace __gnu_cxx {  // NOLINT(bugprone-reserved-identifier): its name
+void __freeres();      // NOLINT(bugprone-reserved-identifier)
 }
 
 namespace {
