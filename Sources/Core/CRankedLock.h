@@ -23,16 +23,16 @@ namespace brt {
 
 // In the order in which they may be taken.
 enum class ELockRank : std::uint8_t {
-    kConnector,        // between a window and its instance: one message at a time
-    kMessage,          // handling of messages at either end
-    kProgram,          // presets and programs
-    kUndo,             // histories
-    kRegistryParams,   // which parameters a registry covers
-    kPendingParams,    // those that wait to be covered
-    kParam,            // one parameter's values; several in the order of their names
-    kDependentParam,   // parameters that others write into: destinations of filters, names of presets
-    kNews,             // what a window is told of presets, in the order in which it happened
-    kLeaf,             // lists and maps; under it no other lock is taken
+    kConnector,       // between a window and its instance: one message at a time
+    kMessage,         // handling of messages at either end
+    kProgram,         // presets and programs
+    kUndo,            // histories
+    kRegistryParams,  // which parameters a registry covers
+    kPendingParams,   // those that wait to be covered
+    kParam,           // one parameter's values; several in the order of their names
+    kDependentParam,  // parameters that others write into: destinations of filters, names of presets
+    kNews,            // what a window is told of presets, in the order in which it happened
+    kLeaf,            // lists and maps; under it no other lock is taken
 };
 
 class BRT_CAPABILITY("lock") CRankedSection {
